@@ -1,0 +1,56 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace qrx::platform {
+
+/// What becomes of a child's standard error.
+enum class StandardError {
+    inherited,  ///< goes where our own goes
+    captured,   ///< kept in ProcessResult::standardError
+};
+
+/// One program to be run to its end. No shell takes part.
+struct ProcessRequest {
+    std::string program;                 ///< path of the program; no search along PATH
+    std::vector<std::string> arguments;  ///< each reaches the program as one argument, unchanged
+    StandardError standardError = StandardError::inherited;
+};
+
+struct ProcessResult {
+    std::string standardOutput;     ///< at most kKeptBytesPerPipe; the rest was read and dropped
+    std::string standardError;      ///< likewise; empty unless captured
+    int exitStatus = 0;             ///< 0 to 255; 128 + signal number when a signal ended the child
+    bool endedByTimeLimit = false;  ///< the runner's time limit ended the child
+};
+
+/// Runs one program to its end, without a shell.
+///
+/// Both pipes are drained while the child runs, so a report of any size cannot block it; the child
+/// is always reaped; it inherits the three standard streams and no other descriptor.
+class ProcessRunner {
+public:
+    /// Bytes kept of each pipe (16 MiB).
+    static constexpr std::size_t kKeptBytesPerPipe = std::size_t{16} << 20U;
+
+    virtual ~ProcessRunner() = default;
+
+    /// @return what the child wrote and how it ended.
+    /// Throws std::system_error when the program cannot be started, and RunCancelled when
+    /// `cancelAll` was called before or while it ran.
+    [[nodiscard]] virtual ProcessResult run(const ProcessRequest& request) = 0;
+
+    /// Starts a program that lives on by itself: never waited for by the caller, but reaped.
+    /// Throws std::system_error when it cannot be started.
+    virtual void launch(const ProcessRequest& request) = 0;
+
+    /// Ends every child of `run` that is under way, and makes every later `run` throw
+    /// RunCancelled. May be called from any thread.
+    virtual void cancelAll() = 0;
+};
+
+/// Thrown by ProcessRunner::run after `cancelAll`.
+struct RunCancelled {};
+
+}  // namespace qrx::platform
