@@ -1,0 +1,50 @@
+#include "volumes/StructureCheck.h"
+
+#include "foundation/FileQuestions.h"
+#include "foundation/PathText.h"
+#include "foundation/Text.h"
+#include "readers/QRXFFmpegTerminalWrapper.h"
+
+namespace qrx {
+
+const std::string& ExaminedPath::upperCased() {
+    if (!upperCased_) {
+        upperCased_ = qrx::upperCased(path_);
+    }
+    return *upperCased_;
+}
+
+const std::string& ExaminedPath::fileName() {
+    if (!fileName_) {
+        fileName_ = lastPathComponent(path_);
+    }
+    return *fileName_;
+}
+
+const QRXMetadataWrapper& ExaminedPath::ffmpegMetadata() {
+    if (!ffmpegMetadata_) {
+        // A tool that is handed a FIFO waits for ever.
+        ffmpegMetadata_ = isSpecialFile(path_)
+                              ? QRXMetadataWrapper()
+                              : QRXFFmpegTerminalWrapper().metadataWrapperForVideoFile(path_);
+    }
+    return *ffmpegMetadata_;
+}
+
+StructureFinding walkStructureChecks(std::span<const StructureCheck> checks,
+                                     const QRXHDMediaVolumeUtilityObject& utility,
+                                     ExaminedPath& path) {
+    for (const StructureCheck& check : checks) {
+        switch (check.ask(utility, path)) {
+            case CheckVerdict::passes:
+                break;
+            case CheckVerdict::fails:
+                return {.claimed = false, .decisive = &check};
+            case CheckVerdict::decides:
+                return {.claimed = true, .decisive = &check};
+        }
+    }
+    return {.claimed = !checks.empty(), .decisive = nullptr};
+}
+
+}  // namespace qrx
