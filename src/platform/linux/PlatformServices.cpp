@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include "platform/linux/PosixProcessRunner.h"
 #include "platform/linux/SteadyClock.h"
 #include "platform/linux/SyslogSystemLog.h"
 #include "platform/linux/UnicodeTextRules.h"
@@ -9,8 +10,10 @@
 
 namespace qrx::platform {
 
-void installPlatformServices([[maybe_unused]] const PlatformOptions& options) {
+void installPlatformServices(const PlatformOptions& options) {
     Services& inForce = services();
+    inForce.processRunner = std::make_shared<PosixProcessRunner>(
+        ToolLimits{.timeLimit = options.toolTimeLimit, .onTimeLimit = options.onToolTimeLimit});
     inForce.clock = std::make_shared<SteadyClock>();
     inForce.textRules = std::make_shared<UnicodeTextRules>();
     inForce.systemLog = std::make_shared<SyslogSystemLog>();

@@ -1,0 +1,170 @@
+#include "platform/linux/PosixProcessRunner.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <csignal>
+#include <optional>
+#include <system_error>
+#include <thread>
+#include <utility>
+
+#include <fcntl.h>
+#include <poll.h>
+
+#include "platform/linux/ChildPipe.h"
+#include "platform/linux/SpawnedChild.h"
+
+namespace qrx::platform {
+
+namespace {
+
+using SteadyTime = std::chrono::steady_clock::time_point;
+using std::chrono::milliseconds;
+
+constexpr milliseconds kLookAgain{5};  // where no descriptor tells of the end
+constexpr int kForEver = -1;
+
+/// Milliseconds that poll may wait, rounded up so that it never wakes just before `until`.
+int pollTimeout(std::optional<SteadyTime> until, bool mustLookAgain) {
+    if (!until) return mustLookAgain ? static_cast<int>(kLookAgain.count()) : kForEver;
+    const auto left = std::chrono::ceil<milliseconds>(*until - std::chrono::steady_clock::now());
+    const milliseconds most = mustLookAgain ? kLookAgain : milliseconds{60'000};
+    return static_cast<int>(std::clamp(left, milliseconds{0}, most).count());
+}
+
+/// When a child that starts now meets `limit`; nothing when there is none.
+std::optional<SteadyTime> endOf(std::chrono::nanoseconds limit) {
+    if (limit.count() <= 0) return std::nullopt;
+    const std::chrono::nanoseconds longest = std::chrono::hours{24 * 365};  // the sum cannot wrap
+    return std::chrono::steady_clock::now() + std::min(limit, longest);
+}
+
+/// Threads that only reap take no signals away from those that handle them.
+class SignalsBlocked {
+public:
+    SignalsBlocked() {
+        sigset_t all;
+        ::sigfillset(&all);
+        ::pthread_sigmask(SIG_SETMASK, &all, &before_);
+    }
+    ~SignalsBlocked() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+    SignalsBlocked(const SignalsBlocked&) = delete;
+    SignalsBlocked& operator=(const SignalsBlocked&) = delete;
+
+private:
+    sigset_t before_{};
+};
+
+}  // namespace
+
+/// Keeps a child in the list that cancelAll ends. It leaves the list before it is reaped, since
+/// after that its number may belong to somebody else.
+class PosixProcessRunner::UnderWay {
+public:
+    UnderWay(PosixProcessRunner& runner, pid_t pid) : runner_(runner), pid_(pid) {
+        const std::lock_guard lock(runner_.mutex_);
+        runner_.underWay_.push_back(pid_);
+        if (runner_.cancelled_) ::kill(-pid_, SIGKILL);
+    }
+    ~UnderWay() {
+        const std::lock_guard lock(runner_.mutex_);
+        runner_.underWay_.erase(
+            std::find(runner_.underWay_.begin(), runner_.underWay_.end(), pid_));
+    }
+    UnderWay(const UnderWay&) = delete;
+    UnderWay& operator=(const UnderWay&) = delete;
+
+private:
+    PosixProcessRunner& runner_;
+    pid_t pid_;
+};
+
+PosixProcessRunner::PosixProcessRunner(ToolLimits limits) : limits_(std::move(limits)) {}
+
+ProcessResult PosixProcessRunner::run(const ProcessRequest& request) {
+    throwIfCancelled();
+    ChildPipe output(kKeptBytesPerPipe);
+    std::optional<ChildPipe> errors;
+    ChildStreams streams;
+    streams.standardOutput = output.writeEnd();
+    if (request.standardError == StandardError::captured) {
+        streams.standardError = errors.emplace(kKeptBytesPerPipe).writeEnd();
+    }
+
+    SpawnedChild child(request, streams, ChildGroup::ownGroup);
+    ProcessResult result;
+    {
+        const UnderWay registered(*this, child.pid());
+        output.closeWriteEnd();
+        if (errors) errors->closeWriteEnd();
+        result.endedByTimeLimit = drainUntilExit(child, output, errors ? &*errors : nullptr);
+        child.killGroup();
+    }
+    result.exitStatus = child.reap();
+    throwIfCancelled();
+    result.standardOutput = output.takeText();
+    if (errors) result.standardError = errors->takeText();
+    if (result.endedByTimeLimit && limits_.onTimeLimit) limits_.onTimeLimit(request);
+    return result;
+}
+
+bool PosixProcessRunner::drainUntilExit(const SpawnedChild& child, ChildPipe& output,
+                                        ChildPipe* errors) const {
+    const FileDescriptor ended =
+        limits_.watchByDescriptor ? exitDescriptor(child.pid()) : FileDescriptor();
+    std::optional<SteadyTime> endBy = endOf(limits_.timeLimit);
+    bool endedByTimeLimit = false;
+    bool exited = false;
+    while (!exited) {
+        std::array<pollfd, 3> watched{pollfd{ended.get(), POLLIN, 0},
+                                      pollfd{output.readEnd(), POLLIN, 0},
+                                      pollfd{errors ? errors->readEnd() : -1, POLLIN, 0}};
+        const int ready =
+            ::poll(watched.data(), watched.size(), pollTimeout(endBy, !ended.isOpen()));
+        if (ready < 0 && errno != EINTR) {
+            throw std::system_error(errno, std::generic_category(), "poll");
+        }
+        exited = ended.isOpen() ? ready > 0 && watched[0].revents != 0 : child.hasExited();
+        if (exited) break;
+        if (ready > 0 && watched[1].revents != 0) output.readSome();
+        if (ready > 0 && watched[2].revents != 0) errors->readSome();
+        if (endBy && std::chrono::steady_clock::now() >= *endBy) {
+            child.killGroup();
+            endedByTimeLimit = true;
+            endBy.reset();
+        }
+    }
+    output.readWhatIsThere();
+    if (errors != nullptr) errors->readWhatIsThere();
+    return endedByTimeLimit;
+}
+
+void PosixProcessRunner::launch(const ProcessRequest& request) {
+    ChildStreams streams;
+    FileDescriptor nowhere;
+    if (request.standardError == StandardError::captured) {
+        nowhere = FileDescriptor(::open("/dev/null", O_WRONLY | O_CLOEXEC));
+        streams.standardError = nowhere.get();
+    }
+    SpawnedChild child(request, streams, ChildGroup::ownSession);
+    const SignalsBlocked blocked;
+    std::thread([launched = std::move(child)]() mutable {
+        static_cast<void>(launched.reap());
+    }).detach();
+}
+
+void PosixProcessRunner::cancelAll() {
+    const std::lock_guard lock(mutex_);
+    cancelled_ = true;
+    for (const pid_t child : underWay_) {
+        ::kill(-child, SIGKILL);
+    }
+}
+
+void PosixProcessRunner::throwIfCancelled() {
+    const std::lock_guard lock(mutex_);
+    if (cancelled_) throw RunCancelled{};
+}
+
+}  // namespace qrx::platform
