@@ -4,6 +4,7 @@
 #include <stdexcept>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "platform/ports/Clock.h"
 #include "platform/ports/Image.h"
@@ -11,6 +12,8 @@
 #include "platform/ports/MainThread.h"
 #include "platform/ports/MountTable.h"
 #include "platform/ports/ProcessRunner.h"
+#include "platform/ports/RunningApplications.h"
+#include "platform/ports/ServiceBus.h"
 #include "platform/ports/SystemLog.h"
 #include "platform/ports/TextRules.h"
 
@@ -27,10 +30,14 @@ struct Services {
     std::shared_ptr<SystemLog> systemLog;
     std::shared_ptr<Inflater> inflater;
     std::shared_ptr<ImageCodec> imageCodec;
+    std::shared_ptr<RunningApplications> runningApplications;
+    std::shared_ptr<ServiceBus> serviceBus;
     /// Path of the ffmpeg tool that the host chose; empty when it chose none.
     std::string ffmpegPath;
     /// The program's resource folder, absolute, no trailing "/".
     std::string resourceFolder;
+    /// The command line, the program's path first.
+    std::vector<std::string> arguments;
 };
 
 /// The one record of what is in force.
@@ -70,6 +77,12 @@ template <class Port>
 }
 [[nodiscard]] inline ImageCodec& imageCodec() {
     return detail::inForce(services().imageCodec, "ImageCodec");
+}
+[[nodiscard]] inline RunningApplications& runningApplications() {
+    return detail::inForce(services().runningApplications, "RunningApplications");
+}
+[[nodiscard]] inline ServiceBus& serviceBus() {
+    return detail::inForce(services().serviceBus, "ServiceBus");
 }
 
 /// Puts the services back as they were when it goes out of scope.
