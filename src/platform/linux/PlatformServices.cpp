@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "platform/linux/PosixProcessRunner.h"
+#include "platform/linux/ProcRunningApplications.h"
 #include "platform/linux/SteadyClock.h"
 #include "platform/linux/SyslogSystemLog.h"
 #include "platform/linux/UnicodeTextRules.h"
@@ -17,6 +18,7 @@ void installPlatformServices(const PlatformOptions& options) {
     inForce.clock = std::make_shared<SteadyClock>();
     inForce.textRules = std::make_shared<UnicodeTextRules>();
     inForce.systemLog = std::make_shared<SyslogSystemLog>();
+    inForce.runningApplications = std::make_shared<ProcRunningApplications>(options.systemRoot);
 }
 
 }  // namespace qrx::platform
