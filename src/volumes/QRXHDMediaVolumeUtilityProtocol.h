@@ -7,10 +7,9 @@
 #include "foundation/FilePath.h"
 #include "metadata/QRXMetadataWrapper.h"
 #include "platform/ports/Image.h"
+#include "timecode/VideoFrameRate.h"
 
 namespace qrx {
-
-enum QRXVideoFrameRate : std::uint64_t;
 
 /// What every camera-card format answers about a path, a drive or a clip.
 ///

@@ -1,6 +1,5 @@
 #include "volumes/StructureCheck.h"
 
-#include "foundation/FileQuestions.h"
 #include "foundation/PathText.h"
 #include "foundation/Text.h"
 #include "readers/QRXFFmpegTerminalWrapper.h"
@@ -23,10 +22,7 @@ const std::string& ExaminedPath::fileName() {
 
 const QRXMetadataWrapper& ExaminedPath::ffmpegMetadata() {
     if (!ffmpegMetadata_) {
-        // A tool that is handed a FIFO waits for ever.
-        ffmpegMetadata_ = isSpecialFile(path_)
-                              ? QRXMetadataWrapper()
-                              : QRXFFmpegTerminalWrapper().metadataWrapperForVideoFile(path_);
+        ffmpegMetadata_ = QRXFFmpegTerminalWrapper().metadataWrapperForVideoFile(path_);
     }
     return *ffmpegMetadata_;
 }
