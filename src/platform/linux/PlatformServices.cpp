@@ -2,22 +2,31 @@
 
 #include <memory>
 
+#include "platform/linux/GlibMainThread.h"
+#include "platform/linux/PixbufImageCodec.h"
 #include "platform/linux/PosixProcessRunner.h"
+#include "platform/linux/ProcMountTable.h"
 #include "platform/linux/ProcRunningApplications.h"
 #include "platform/linux/SteadyClock.h"
 #include "platform/linux/SyslogSystemLog.h"
 #include "platform/linux/UnicodeTextRules.h"
+#include "platform/linux/ZlibInflater.h"
 #include "platform/ports/Services.h"
 
 namespace qrx::platform {
 
 void installPlatformServices(const PlatformOptions& options) {
     Services& inForce = services();
-    inForce.processRunner = std::make_shared<PosixProcessRunner>(
+    const auto runner = std::make_shared<PosixProcessRunner>(
         ToolLimits{.timeLimit = options.toolTimeLimit, .onTimeLimit = options.onToolTimeLimit});
+    inForce.processRunner = runner;
+    inForce.mountTable = std::make_shared<ProcMountTable>(options.systemRoot);
+    inForce.mainThread = std::make_shared<GlibMainThread>([runner] { runner->cancelAll(); });
     inForce.clock = std::make_shared<SteadyClock>();
     inForce.textRules = std::make_shared<UnicodeTextRules>();
     inForce.systemLog = std::make_shared<SyslogSystemLog>();
+    inForce.inflater = std::make_shared<ZlibInflater>();
+    inForce.imageCodec = std::make_shared<PixbufImageCodec>();
     inForce.runningApplications = std::make_shared<ProcRunningApplications>(options.systemRoot);
 }
 
