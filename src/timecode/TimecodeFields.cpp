@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "foundation/Text.h"
+#include "foundation/Utf8.h"
 
 namespace qrx {
 
@@ -23,11 +24,6 @@ bool fits(char character, char form) {
         default:
             return character == form;
     }
-}
-
-bool isAscii(std::string_view text) {
-    return std::all_of(text.begin(), text.end(),
-                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
 
 }  // namespace
