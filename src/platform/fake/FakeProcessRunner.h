@@ -27,7 +27,11 @@ public:
                 .standardError = std::move(standardError)};
     }
     /// A program that wrote nothing and ended with `status`.
-    [[nodiscard]] static ProcessResult ended(int status) { return {.exitStatus = status}; }
+    [[nodiscard]] static ProcessResult ended(int status) {
+        ProcessResult result;
+        result.exitStatus = status;
+        return result;
+    }
 
     /// `program` called with exactly `arguments`.
     void answer(std::string program, std::vector<std::string> arguments, ProcessResult result) {
