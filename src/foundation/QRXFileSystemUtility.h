@@ -1,0 +1,165 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "foundation/Enumeration.h"
+#include "foundation/FileManager.h"
+#include "foundation/FilePath.h"
+#include "foundation/QRXObject.h"
+#include "platform/ports/Image.h"
+
+namespace qrx {
+
+/// The one name under which callers reach the file tree. Every operation forwards to the unit that
+/// owns its subject; no rule lives here.
+///
+/// Every call reads the file system anew. No operation throws: what is missing or cannot be read
+/// gives NO, 0, nothing, an empty list or the input, as stated with each. All may be called from
+/// any thread. Lists are in name order (lower-cased text, ties by bytes), and the full paths in
+/// them are the folder as given, "/", and the name.
+class QRXFileSystemUtility : public QRXObject {
+public:
+    /// A new object.
+    [[nodiscard]] static QRXFileSystemUtility fileSystemUtility();
+    /// The process-wide object, made on first use and never destroyed.
+    [[nodiscard]] static QRXFileSystemUtility& sharedInstance();
+
+    /// This object's own file manager; lives as long as the object.
+    [[nodiscard]] const FileManager& fileManager() const { return fileManager_; }
+
+    // Character sets; each character is one member.
+
+    [[nodiscard]] static std::string invalidFilePathCharacters();
+    /// Those of paths and "/".
+    [[nodiscard]] static std::string invalidFileNameCharacters();
+    [[nodiscard]] static std::string terminalEscapeCharacters();
+
+    // Unique names. Nothing is reserved: another process may take the name meanwhile.
+
+    /// `path` itself when nothing exists there, else the first free one of NAME.EXT, NAME-2.EXT,
+    /// ...
+    [[nodiscard]] FilePath uniqueFileSystemPathForPath(const FilePath& path) const;
+    /// That path, after making a folder there (whether or not that succeeded).
+    // NOLINTNEXTLINE(modernize-use-nodiscard): some callers want the folder alone
+    FilePath createUniqueDirectoryPathForPath(const FilePath& path) const;
+    /// `path` itself when nothing exists there, else the first free one of path-2, path-3, ...
+    [[nodiscard]] FilePath directoryPathThatDoesNotYetExistsForPath(const FilePath& path) const;
+
+    // Cleaning and escaping texts.
+
+    /// Without the invalidFilePathCharacters.
+    [[nodiscard]] std::string removeInvalidPathCharactersFromPath(const std::string& path) const;
+    /// Whether nothing had to be removed; a "/" is no objection.
+    [[nodiscard]] bool directoryNameIsValid(const std::string& name) const;
+    /// Without a set of its own: as for paths, with the blank and without the backslash.
+    [[nodiscard]] std::string removeInvalidFileNameCharactersFromFile(
+        const std::string& file) const;
+    /// With a backslash before each of the terminalEscapeCharacters.
+    [[nodiscard]] std::string escapeFilePathCharacters(const FilePath& path) const;
+    /// The same; the misspelt name is part of the interface.
+    [[nodiscard]] std::string escapeFilePathCharachters(const FilePath& path) const;
+    /// The decimal digits, and the "."s when asked.
+    [[nodiscard]] std::string removeNonNumericsFromString(const std::string& text,
+                                                          bool keepDecimal) const;
+
+    // Ordering. Always the elements of `paths`; equal ones keep their order.
+
+    /// By the number in the name, ascending.
+    [[nodiscard]] FilePaths orderFilePathsByAscendingNumericValue(const FilePaths& paths) const;
+    /// By creation date, ascending.
+    [[nodiscard]] FilePaths orderFilePathsByCreationDate(const FilePaths& paths) const;
+
+    // Questions about one item.
+
+    /// Whether the last component, or the path itself, begins with ".".
+    [[nodiscard]] bool filePathIsHidden(const FilePath& path) const;
+    /// Whether the item itself is a symbolic link.
+    [[nodiscard]] bool filePathIsASymbolicLink(const FilePath& path) const;
+    /// Full path of the first entry whose name contains `pattern` as plain text; else nothing.
+    [[nodiscard]] std::optional<FilePath> firstFileMatchingPattern(const std::string& pattern,
+                                                                   const FilePath& directory) const;
+    /// Where a symbolic link leads in the end; `path` itself when it is none or leads nowhere.
+    [[nodiscard]] FilePath resolvePath(const FilePath& path) const;
+    /// A picture that stands for the item; the empty image for an absent path.
+    [[nodiscard]] platform::Image imageForItemAtPath(const std::optional<FilePath>& path) const;
+
+    // Sizes in bytes and comparisons. Sizes are of the item itself: of a link, its text's length.
+
+    /// 0 when it cannot be read.
+    [[nodiscard]] std::uint64_t sizeOfFileAtPath(const FilePath& path) const;
+    /// NO when either is missing.
+    [[nodiscard]] bool sizeOfFileAtPathEqualsSizeAtPath(const FilePath& path,
+                                                        const FilePath& other) const;
+    /// The last `byteRun` bytes of a regular file; nothing when it is shorter or cannot be read.
+    [[nodiscard]] std::optional<std::vector<std::byte>> lastBytesinFile(
+        const FilePath& path, std::uint64_t byteRun) const;
+    /// Free bytes of the file system that holds `path`; 0 when unknown.
+    [[nodiscard]] std::uint64_t freeSpaceAtPath(const FilePath& path) const;
+    /// The same of a folder; nothing when it is no folder or unknown.
+    [[nodiscard]] std::optional<std::uint64_t> spaceRemainingAtDirectory(
+        const FilePath& directory) const;
+    /// Everything below that exists and is no folder, hidden items included.
+    [[nodiscard]] std::uint64_t numberOfFilesAtDirectory(const FilePath& directory) const;
+    /// Total size of sourceFilesAtDirectory(directory).
+    [[nodiscard]] std::int64_t numberOfBytesAtDirectory(const FilePath& directory) const;
+    /// Total size of everything below, hidden items included; links are not followed.
+    [[nodiscard]] std::uint64_t fastFolderSizeAtFSRef(const FilePath& folder) const;
+    /// "1.50 MB"; decimal units. One million exactly is "0.00 GB".
+    [[nodiscard]] static std::string fileSizeDescriptionFromRawSize(std::int64_t size);
+
+    // Enumeration.
+
+    /// All source files below: neither hidden, nor in a hidden folder at the top level, nor
+    /// dangling links. Large trees: see also forEachSourceFile.
+    [[nodiscard]] FilePaths sourceFilesAtDirectory(const FilePath& directory) const;
+    /// NO for `recursiveSearch`: one level, hidden items ignored, folders among the answer.
+    [[nodiscard]] FilePaths sourceFilesAtDirectory(const FilePath& directory,
+                                                   bool recursiveSearch) const;
+    /// A recursive search always ignores hidden items, whatever `ignoreHiddenFiles` says.
+    [[nodiscard]] FilePaths sourceFilesAtDirectory(const FilePath& directory, bool recursiveSearch,
+                                                   bool ignoreHiddenFiles) const;
+    /// sourceFilesAtDirectory(directory) with their number and total size.
+    [[nodiscard]] FilePaths sourceFilesAtDirectoryNumberOfFiles(const FilePath& directory,
+                                                                std::uint64_t& numberOfFiles,
+                                                                std::int64_t& sizeOfFiles) const;
+    /// As before; with `countDirectories` folders are in the answer, but not in the numbers.
+    [[nodiscard]] FilePaths sourceFilesAtDirectoryCountDirectories(const FilePath& directory,
+                                                                   bool countDirectories,
+                                                                   std::uint64_t& numberOfFiles,
+                                                                   std::int64_t& sizeOfFiles) const;
+    /// One level: the files, then the folders.
+    [[nodiscard]] FilePaths fullFileSystemPathsForContentsOfDirectoryAtPath(
+        const FilePath& directory, bool ignoreHiddenFiles) const;
+    /// One level: appends to the two lists, which are untouched when this is no folder.
+    void uncoverFileSystemPathsForContentsOfDirectoryAtPath(const FilePath& directory,
+                                                            bool ignoreHiddenFiles,
+                                                            FilePaths& placeFilesInList,
+                                                            FilePaths& andDirectoriesInList) const;
+    /// All folders below that are neither hidden nor in a hidden folder at the top level.
+    [[nodiscard]] FilePaths subDirectoriesAtDirectory(const FilePath& directory) const;
+    /// Whether something below has `subPath` in its full path (at its end for `subPathIsSuffix`)
+    /// and, when an extension is given, holds an entry with it one level down, in any case.
+    [[nodiscard]] bool directoryPathHasFilesContainingSubPath(
+        const FilePath& directory, const std::string& subPath, bool subPathIsSuffix,
+        const std::optional<std::string>& extension) const;
+
+    // Removal. Links are removed themselves and never entered; what went before a failing step
+    // stays gone.
+
+    /// Removes the item, a folder with all that is in it. NO when missing or not to be removed.
+    [[nodiscard]] bool removeContentsAtPath(const FilePath& path) const;
+    /// Removes all files below, hidden ones too; the folders stay.
+    [[nodiscard]] bool clearDirectoryContents(const FilePath& directory) const;
+    /// Removes the folders one level down with all that is in them, except those whose name
+    /// contains "CONTENTS"; the files one level down stay.
+    void removeDirectoriesAtPath(const FilePath& directory) const;
+
+private:
+    FileManager fileManager_;
+};
+
+}  // namespace qrx
