@@ -9,6 +9,8 @@
 
 namespace qrx {
 
+class ByteSource;
+
 enum class TrackMedia { video, sound, timecode, text, other };
 
 struct MovieTrack {
@@ -45,5 +47,9 @@ public:
     /// not a movie.
     [[nodiscard]] std::optional<MovieDescription> open(const FilePath& path) const;
 };
+
+/// What MovieReader says about the bytes of `source`. Without a name in the user data there is no
+/// `displayName`, for a source has none of its own.
+[[nodiscard]] std::optional<MovieDescription> describeMovie(const ByteSource& source);
 
 }  // namespace qrx
