@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "foundation/Commands.h"
+#include "foundation/Drives.h"
 #include "foundation/FileOrdering.h"
 #include "foundation/ItemLookups.h"
 #include "foundation/LayoutTest.h"
@@ -246,6 +248,68 @@ void QRXFileSystemUtility::removeDirectoriesAtPath(const FilePath& directory) co
         removeFoldersIn(directory);
         return true;
     });
+}
+
+bool QRXFileSystemUtility::terminalCommandPathIsAvailable(const FilePath& path) const {
+    return fileManager_.itemExistsAtPath(path);
+}
+
+std::optional<FilePath> QRXFileSystemUtility::pathForTerminalCommand(
+    const std::string& tool) const {
+    return answerOr(std::optional<FilePath>(), "pathForTerminalCommand",
+                    [&] { return commandPath(tool); });
+}
+
+std::optional<std::string> QRXFileSystemUtility::executeTerminalCommand(
+    const FilePath& tool, const std::vector<std::string>& arguments) const {
+    return executeTerminalCommand(tool, arguments, true);
+}
+
+std::optional<std::string> QRXFileSystemUtility::executeTerminalCommand(
+    const FilePath& tool, const std::vector<std::string>& arguments,
+    bool ensureTerminalCommandIsValid) const {
+    if (ensureTerminalCommandIsValid && !terminalCommandPathIsAvailable(tool)) return std::nullopt;
+    return answerOr(std::optional<std::string>(), "executeTerminalCommand",
+                    [&] { return commandOutputWithoutNewlines(tool, arguments); });
+}
+
+std::optional<std::string> QRXFileSystemUtility::executeTerminalCommandWithDelimitedArguments(
+    const FilePath& tool, const std::vector<std::string>& arguments,
+    bool ensureTerminalCommandIsValid) const {
+    if (ensureTerminalCommandIsValid && !terminalCommandPathIsAvailable(tool)) return std::nullopt;
+    return commandOutput(tool, arguments);
+}
+
+FilePaths QRXFileSystemUtility::removableDrives() const {
+    return answerOr(FilePaths(), "removableDrives", [] { return removableMountPoints(); });
+}
+
+FilePaths QRXFileSystemUtility::localVolumes() const {
+    return answerOr(FilePaths(), "localVolumes", [] { return localMountPoints(); });
+}
+
+bool QRXFileSystemUtility::driveIsRemovable(const FilePath& path) const {
+    return answerOr(false, "driveIsRemovable", [&] { return isRemovableMountPoint(path); });
+}
+
+std::vector<std::string> QRXFileSystemUtility::allMountedVolumeURLs() const {
+    return answerOr(std::vector<std::string>(), "allMountedVolumeURLs",
+                    [] { return visibleVolumeUrls(); });
+}
+
+FilePaths QRXFileSystemUtility::allMountedVolumes() const {
+    return answerOr(FilePaths(), "allMountedVolumes", [] { return allMountPoints(); });
+}
+
+bool QRXFileSystemUtility::volumeMountedAtPath(const std::optional<FilePath>& path) const {
+    return path && answerOr(false, "volumeMountedAtPath", [&] { return isMountPoint(*path); });
+}
+
+bool QRXFileSystemUtility::removableDriveHasFilesContainingSubPath(
+    const FilePath& drive, const std::string& subPath, bool subPathIsSuffix,
+    const std::optional<std::string>& extension) const {
+    return driveIsRemovable(drive) &&
+           directoryPathHasFilesContainingSubPath(drive, subPath, subPathIsSuffix, extension);
 }
 
 }  // namespace qrx

@@ -17,8 +17,9 @@ namespace qrx {
 /// The one name under which callers reach the file tree. Every operation forwards to the unit that
 /// owns its subject; no rule lives here.
 ///
-/// Every call reads the file system anew. No operation throws: what is missing or cannot be read
-/// gives NO, 0, nothing, an empty list or the input, as stated with each. All may be called from
+/// Every call reads the file system anew. No operation throws, but for the one that says so: what
+/// is missing or cannot be read gives NO, 0, nothing, an empty list or the input, as stated with
+/// each. All may be called from
 /// any thread. Lists are in name order (lower-cased text, ties by bytes), and the full paths in
 /// them are the folder as given, "/", and the name.
 class QRXFileSystemUtility : public QRXObject {
@@ -157,6 +158,47 @@ public:
     /// Removes the folders one level down with all that is in them, except those whose name
     /// contains "CONTENTS"; the files one level down stay.
     void removeDirectoriesAtPath(const FilePath& directory) const;
+
+    // Command-line tools. Run as children without a shell, each argument unchanged; the calling
+    // thread waits for the end, however long it takes. An absent argument list is an empty one.
+
+    /// Whether anything exists at `path`.
+    [[nodiscard]] bool terminalCommandPathIsAvailable(const FilePath& path) const;
+    /// Full path of the program `tool`; nothing when there is none.
+    [[nodiscard]] std::optional<FilePath> pathForTerminalCommand(const std::string& tool) const;
+    /// With `ensureTerminalCommandIsValid`.
+    [[nodiscard]] std::optional<std::string> executeTerminalCommand(
+        const FilePath& tool, const std::vector<std::string>& arguments) const;
+    /// What the tool wrote to its standard output, newlines removed, whatever its exit status.
+    /// Nothing when it cannot be started (logged as "Ex"), or, with
+    /// `ensureTerminalCommandIsValid`, when nothing exists at `tool` (then nothing is run).
+    [[nodiscard]] std::optional<std::string> executeTerminalCommand(
+        const FilePath& tool, const std::vector<std::string>& arguments,
+        bool ensureTerminalCommandIsValid) const;
+    /// As before, with the newlines kept. The one operation that throws: std::system_error when the
+    /// tool cannot be started, platform::RunCancelled when all runs were cancelled.
+    [[nodiscard]] std::optional<std::string> executeTerminalCommandWithDelimitedArguments(
+        const FilePath& tool, const std::vector<std::string>& arguments,
+        bool ensureTerminalCommandIsValid) const;
+
+    // Drives and volumes, as they are mounted at the moment of the call.
+
+    /// Mount paths of removable media, ascending by plain text comparison.
+    [[nodiscard]] FilePaths removableDrives() const;
+    /// Mount paths of local volumes, sorted likewise.
+    [[nodiscard]] FilePaths localVolumes() const;
+    /// Whether `path` is one of removableDrives(), as plain text: without a trailing "/".
+    [[nodiscard]] bool driveIsRemovable(const FilePath& path) const;
+    /// File URLs of the volumes that are not hidden: "file:///media/ann/CARD%201/".
+    [[nodiscard]] std::vector<std::string> allMountedVolumeURLs() const;
+    /// Mount points of every mounted file system, in the mount table's order.
+    [[nodiscard]] FilePaths allMountedVolumes() const;
+    /// Whether something is mounted at `path`, both sides standardised; NO for an absent path.
+    [[nodiscard]] bool volumeMountedAtPath(const std::optional<FilePath>& path) const;
+    /// directoryPathHasFilesContainingSubPath, of one of removableDrives() only.
+    [[nodiscard]] bool removableDriveHasFilesContainingSubPath(
+        const FilePath& drive, const std::string& subPath, bool subPathIsSuffix,
+        const std::optional<std::string>& extension) const;
 
 private:
     FileManager fileManager_;
