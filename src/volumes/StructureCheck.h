@@ -28,12 +28,16 @@ public:
     [[nodiscard]] const std::string& fileName();
     /// What the ffmpeg tool's report says; the tool is run once, when first asked.
     [[nodiscard]] const QRXMetadataWrapper& ffmpegMetadata();
+    /// Whether the path opened as a movie with picture or sound; nothing before that was tried.
+    [[nodiscard]] std::optional<bool> movieProbe() const { return movieProbe_; }
+    void rememberMovieProbe(bool opens) { movieProbe_ = opens; }
 
 private:
     const FilePath& path_;
     std::optional<std::string> upperCased_;
     std::optional<std::string> fileName_;
     std::optional<QRXMetadataWrapper> ffmpegMetadata_;
+    std::optional<bool> movieProbe_;
 };
 
 /// What one check says of a path.

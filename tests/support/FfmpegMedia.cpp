@@ -1,7 +1,7 @@
 #include "support/FfmpegMedia.h"
 
 #include <cerrno>
-#include <cstdlib>
+#include <charconv>
 #include <cstring>
 #include <filesystem>
 #include <sstream>
@@ -11,8 +11,6 @@
 #include <spawn.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-extern char** environ;
 
 namespace qrx::test {
 
@@ -65,6 +63,12 @@ std::vector<std::string> fields(const std::string& line, char separator) {
     return all;
 }
 
+int wholeNumber(const std::string& text) {
+    int number = 0;
+    std::from_chars(text.data(), text.data() + text.size(), number);
+    return number;
+}
+
 ProbedStream streamFromLine(const std::string& line) {
     ProbedStream stream;
     for (const std::string& field : fields(line, '|')) {
@@ -75,8 +79,8 @@ ProbedStream streamFromLine(const std::string& line) {
         if (key == "codec_type") stream.codecType = value;
         if (key == "codec_tag_string") stream.codecTag = value;
         if (key == "disposition:attached_pic") stream.attachedPicture = value == "1";
-        if (key == "width") stream.width = std::atoi(value.c_str());
-        if (key == "height") stream.height = std::atoi(value.c_str());
+        if (key == "width") stream.width = wholeNumber(value);
+        if (key == "height") stream.height = wholeNumber(value);
     }
     return stream;
 }
@@ -91,7 +95,7 @@ FfmpegMedia& FfmpegMedia::shared() {
 std::string FfmpegMedia::file(const std::string& name, const std::vector<std::string>& arguments) {
     if (const auto known = made_.find(name); known != made_.end()) return known->second;
 
-    const std::string path = folder_ / name;
+    std::string path = folder_ / name;
     std::filesystem::create_directories(std::filesystem::path(path).parent_path());
     std::vector<std::string> all{"-nostdin", "-hide_banner", "-v", "error", "-y"};
     all.insert(all.end(), arguments.begin(), arguments.end());
