@@ -35,7 +35,8 @@ TimecodeFields fieldsAtRate(std::int32_t frames, float rate) {
 // KEPT: two a minute but every tenth, for 59.94 too, which passes over four.
 double withoutDroppedLabels(double total, const TimecodeFields& fields) {
     const std::int32_t totalMinutes = fields.hours * kMinutesPerHour + fields.minutes;
-    return total - 2.0 * totalMinutes + 2.0 * (totalMinutes / 10);
+    const std::int32_t tenthMinutes = totalMinutes / 10;
+    return total - 2.0 * totalMinutes + 2.0 * tenthMinutes;
 }
 
 /// frames + (seconds x rate + (hours x 3600 x rate + minutes x 60 x rate)), every product and sum
