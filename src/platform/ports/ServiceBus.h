@@ -1,12 +1,15 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <stdexcept>
 #include <stop_token>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 #include "platform/ports/BusValue.h"
 #include "platform/ports/Clock.h"
@@ -67,6 +70,18 @@ struct BusCall {
     }
 };
 
+/// What an object says to a call.
+struct BusAnswer {
+    BusAnswer() = default;
+    BusAnswer(BusValues values) : results(std::move(values)) {}
+    BusAnswer(BusValues values, std::function<void()> next)
+        : results(std::move(values)), afterwards(std::move(next)) {}
+
+    BusValues results;  ///< in the member's order
+    /// Done once the answer is on its way, e.g. to end the process; may be empty.
+    std::function<void()> afterwards;
+};
+
 /// On which thread a member is served.
 enum class ServedOn {
     mainThread,  ///< with all others, one at a time, in order of arrival
@@ -78,15 +93,15 @@ class BusObject {
 public:
     virtual ~BusObject() = default;
 
-    /// The interfaces, as D-Bus introspection XML.
-    [[nodiscard]] virtual std::string_view interfacesXml() const = 0;
+    /// The interfaces that it serves: documents of D-Bus introspection XML.
+    [[nodiscard]] virtual std::vector<std::string_view> interfaceDescriptions() const = 0;
 
     [[nodiscard]] virtual ServedOn servedOn(std::string_view interfaceName,
                                             std::string_view member) const = 0;
 
-    /// The results in the member's order. Throws BusError to answer with an error; any other fault
-    /// reaches the caller as a failure without details.
-    [[nodiscard]] virtual BusValues answer(const BusCall& call) = 0;
+    /// Throws BusError to answer with an error; any other fault reaches the caller as a failure
+    /// without details. A member that never answers does not return.
+    [[nodiscard]] virtual BusAnswer answer(const BusCall& call) = 0;
 };
 
 /// Where an object is found.
@@ -132,6 +147,10 @@ public:
     /// name since.
     [[nodiscard]] virtual BusValues call(const BusAddress& object, const BusMessage& request,
                                          Clock::Duration timeLimit) = 0;
+
+    /// Calls without waiting for an answer, for members that give none. Throws BusError when the
+    /// service has gone already.
+    virtual void tell(const BusAddress& object, const BusMessage& request) = 0;
 
     /// Sends a signal of the root object to `receiver` alone; lost without a word when it is gone.
     virtual void notify(const std::string& receiver, const BusMessage& signal) = 0;
