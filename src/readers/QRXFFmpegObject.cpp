@@ -68,6 +68,10 @@ FilePath QRXFFmpegObject::pathOfToolToRun() const {
     return programOnSearchPath(kToolName).value_or(std::move(standard));
 }
 
+bool QRXFFmpegObject::mayBeShownToTool(const FilePath& file) {
+    return !isSpecialFile(file) && file.find('\0') == FilePath::npos;
+}
+
 bool QRXFFmpegObject::filePathHasInvalidVideoFileExtension(std::string_view file) {
     return upperCasedFilePathHasInvalidVideoFileExtension(upperCased(file));
 }

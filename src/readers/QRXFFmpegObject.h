@@ -28,6 +28,10 @@ public:
     /// `ffmpeg` on PATH; else the default.
     [[nodiscard]] FilePath pathOfToolToRun() const;
 
+    /// Whether the tool may be shown `file`: never a FIFO, socket or device, which it would wait
+    /// for or act upon, nor a path with a NUL, which it would read as another one.
+    [[nodiscard]] static bool mayBeShownToTool(const FilePath& file);
+
     /// Whether `file` has the name of something that is never video. A plain test of how the name
     /// ends, in any case and without a dot: "checkpoint" ends in "int" and is invalid.
     [[nodiscard]] static bool filePathHasInvalidVideoFileExtension(std::string_view file);

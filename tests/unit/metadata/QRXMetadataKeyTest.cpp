@@ -5,8 +5,8 @@
 #include <gtest/gtest.h>
 
 #include "metadata/QRXMetadataKey.h"
+#include "platform/fake/RecordingSystemLog.h"
 #include "platform/ports/Services.h"
-#include "support/RecordingSystemLog.h"
 
 namespace qrx {
 namespace {
@@ -89,7 +89,8 @@ protected:
     MetadataKeyLog() { services_->systemLog = log_; }
 
     platform::ScopedServices services_;
-    std::shared_ptr<test::RecordingSystemLog> log_ = std::make_shared<test::RecordingSystemLog>();
+    std::shared_ptr<platform::RecordingSystemLog> log_ =
+        std::make_shared<platform::RecordingSystemLog>();
 };
 
 TEST_F(MetadataKeyLog, HasOneEntryPerKey) {
