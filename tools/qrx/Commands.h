@@ -1,0 +1,19 @@
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+#include "qrx/Session.h"
+
+namespace qrx::tool {
+
+// Each adds its subcommand to `program`; when the command line chooses it, `job` is set. Both live
+// as long as the program.
+void addScanCommand(CLI::App& program, Job& job);
+void addExplainCommand(CLI::App& program, Job& job);
+void addMkcardCommand(CLI::App& program, Job& job);
+void addHelpCommand(CLI::App& program, Job& job);
+
+/// --ffmpeg and --tool-limit.
+void addToolOptions(CLI::App& command, ToolOptions& options);
+
+}  // namespace qrx::tool

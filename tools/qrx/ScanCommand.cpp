@@ -1,0 +1,179 @@
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include <fmt/core.h>
+#include <unistd.h>
+
+#include "qrx/ClipWriter.h"
+#include "qrx/Commands.h"
+#include "qrx/Names.h"
+#include "qrx/ShownText.h"
+#include "qrx/Terminal.h"
+#include "qrx/ToolReports.h"
+#include "volumes/FileMatcher.h"
+#include "volumes/QRXHDMediaVolumeAggregate.h"
+
+namespace qrx::tool {
+
+namespace {
+
+constexpr const char* kFooter = R"(
+Formats:
+  table    columns LAYOUT, QT (QuickTime reads it), PATH. Characters that could
+           harm a terminal are shown as \n, \x1b, \u{202e}; a backslash as \\.
+           On a terminal long paths lose their middle (see --wide).
+  json     one array of {"filePath": TEXT, "volumeTitle": TEXT, "qt": BOOL}
+  ndjson   one such object a line, written as soon as the clip is found
+  csv      RFC 4180: filePath,volumeTitle,qt,filePathBytes
+  A path that is not UTF-8 stands in "filePathBytes", in base64, in the place of
+  "filePath"; in CSV so does a path with control characters such as line ends.
+
+Exit status: 0 the scan ran; 1 something could not be scanned or written (it is
+named on standard error, the rest is done); 2 wrong usage; 130 after Ctrl-C.
+
+Examples:
+  qrx scan /media/me/CARD
+  qrx scan --format csv ~/rushes > clips.csv
+  find . -name '*.MTS' -print0 | qrx scan --from-stdin -0 --format ndjson)";
+
+struct ScanOptions {
+    std::vector<std::string> paths;
+    std::string format = "table";
+    bool isWide = false;
+    bool readsNames = false;
+    bool namesEndInNul = false;
+};
+
+std::size_t longestTitle() {
+    std::size_t longest = 0;
+    for (const auto* const utility : QRXHDMediaVolumeAggregate::allDefinedHDUtilities()) {
+        longest = std::max(longest, utility->volumeTitle().size());
+    }
+    return longest;
+}
+
+std::unique_ptr<ClipWriter> makeWriter(const ScanOptions& options, Output& output) {
+    if (options.format == "json") return makeClipJson(output);
+    if (options.format == "ndjson") return makeClipNdjson(output);
+    if (options.format == "csv") return makeClipCsv(output);
+    const bool onTerminal = isTerminal(STDOUT_FILENO);
+    const std::size_t columns = onTerminal && !options.isWide ? terminalColumns(STDOUT_FILENO) : 0;
+    return makeClipTable(
+        output, {.columns = columns, .titleColumns = longestTitle(), .flushesEachRow = onTerminal});
+}
+
+/// One scan of all locations, in the order in which they are named.
+class Scan {
+public:
+    Scan(const ScanOptions& options, Session& session)
+        : options_(options), session_(session), writer_(makeWriter(options, session.output)) {
+        listener_.onClip = [this](const PathDictionary& clip) { write(clip); };
+        listener_.onProgress = [this](const MatchProgress& progress) {
+            session_.console.progress(filesDone_ + progress.filesDone,
+                                      clipsFound_ + progress.clipsFound, progress.currentFile);
+        };
+        listener_.onUnreadableFolder = [this](const FilePath& folder) {
+            complain(folder, "cannot be read, or not to its end");
+        };
+        listener_.isCancelled = &session.isCancelled;
+    }
+
+    int run() {
+        reportToolProblems(session_.console);
+        session_.console.startProgress();
+        for (const std::string& path : options_.paths) {
+            scan(path);
+        }
+        if (options_.readsNames) scanNames();
+        session_.console.stopProgress();
+        if (session_.isCancelled) return kTrouble;
+        writer_->finish();
+        if (isTerminal(STDERR_FILENO)) session_.console.say(summary());
+        return status_;
+    }
+
+private:
+    void write(const PathDictionary& clip) {
+        session_.console.aside([&] { writer_->add(clip); });
+        if (!session_.output.isGood()) session_.isCancelled = true;
+    }
+
+    void scanNames() {
+        NameReader names(session_.originalInput, options_.namesEndInNul ? '\0' : '\n',
+                         session_.interruption.descriptor());
+        while (!session_.isCancelled) {
+            const auto name = names.next();
+            if (!name) return;
+            scan(*name);
+        }
+    }
+
+    void scan(const std::string& argument) {
+        if (session_.isCancelled) return;
+        const FilePath location = absolutePath(argument);
+        if (const auto why = whyMissing(location)) {
+            complain(argument, *why);
+            return;
+        }
+        const MatchSummary summary = matcher_.match({location}, listener_);
+        filesDone_ += summary.filesDone;
+        clipsFound_ += summary.clipsFound;
+    }
+
+    [[nodiscard]] std::string summary() const {
+        return fmt::format("{} {} in {} {}", clipsFound_, clipsFound_ == 1 ? "clip" : "clips",
+                           filesDone_, filesDone_ == 1 ? "file" : "files");
+    }
+
+    void complain(const std::string& path, const std::string& why) {
+        session_.console.say((path.empty() ? "''" : shown(path)) + ": " + why);
+        status_ = kTrouble;
+    }
+
+    const ScanOptions& options_;
+    Session& session_;
+    std::unique_ptr<ClipWriter> writer_;
+    FileMatcher matcher_;
+    MatchListener listener_;
+    std::uint64_t filesDone_ = 0;
+    std::uint64_t clipsFound_ = 0;
+    int status_ = kDone;
+};
+
+void refuseContradictions(const ScanOptions& options) {
+    if (options.paths.empty() && !options.readsNames) {
+        throw CLI::ValidationError("PATH", "at least one is needed, or --from-stdin");
+    }
+}
+
+}  // namespace
+
+void addScanCommand(CLI::App& program, Job& job) {
+    auto options = std::make_shared<ScanOptions>();
+    auto tools = std::make_shared<ToolOptions>();
+    CLI::App& command = *program.add_subcommand("scan", "List the clips at the given paths");
+    command.add_option("PATH", options->paths,
+                       "Folders, cards or files; \"--\" before names with a leading \"-\"");
+    command.add_option("-f,--format", options->format, "How clips are written")
+        ->type_name("table|json|ndjson|csv")
+        ->capture_default_str()
+        ->check(CLI::IsMember({"table", "json", "ndjson", "csv"}));
+    command.add_flag("--wide", options->isWide, "Table: never shorten a path");
+    CLI::Option* const fromStdin = command.add_flag(
+        "--from-stdin", options->readsNames, "Read further paths from standard input, one a line");
+    command
+        .add_flag("-0,--null", options->namesEndInNul,
+                  "Paths on standard input end in a NUL byte, as find -print0 writes them")
+        ->needs(fromStdin);
+    addToolOptions(command, *tools);
+    command.footer(kFooter);
+    command.callback([options, tools, &job] {
+        refuseContradictions(*options);
+        job.tools = *tools;
+        job.run = [options](Session& session) { return Scan(*options, session).run(); };
+    });
+}
+
+}  // namespace qrx::tool

@@ -1,0 +1,32 @@
+#pragma once
+
+#include <initializer_list>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace qrx::tool {
+
+/// Makes small real media with the installed ffmpeg: colour bars, a tone, one second.
+class MediaTool {
+public:
+    /// Throws CardProblem when there is no ffmpeg.
+    MediaTool();
+
+    /// The first of the encoders that the tool has. Throws CardProblem when it has none of them.
+    [[nodiscard]] std::string encoder(std::initializer_list<std::string_view> wanted) const;
+
+    /// Encodes picture and sound into a new file at `path`.
+    /// @param options  what stands before the path: codecs, container.
+    void makeMovie(const std::vector<std::string>& options, const std::string& path) const;
+    /// Encodes a single picture.
+    void makeStill(const std::vector<std::string>& options, const std::string& path) const;
+
+private:
+    [[nodiscard]] std::string output(const std::vector<std::string>& arguments) const;
+
+    std::string tool_;
+    std::vector<std::string> encoders_;
+};
+
+}  // namespace qrx::tool
