@@ -1,5 +1,7 @@
 #include "foundation/Commands.h"
 
+#include <system_error>
+
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -37,6 +39,17 @@ std::optional<std::string> commandOutputWithoutNewlines(const FilePath& tool,
     } catch (...) {
         platform::systemLog().notice(kFaultText);
         return std::nullopt;
+    }
+}
+
+int commandStatus(const FilePath& tool, const CommandArguments& arguments) {
+    constexpr int kCannotStart = 127;  // as shells answer
+    try {
+        return platform::processRunner()
+            .run({tool, arguments, platform::StandardError::captured})
+            .exitStatus;
+    } catch (const std::system_error&) {
+        return kCannotStart;
     }
 }
 

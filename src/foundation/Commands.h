@@ -20,6 +20,10 @@ using CommandArguments = std::vector<std::string>;
 [[nodiscard]] std::optional<std::string> commandOutputWithoutNewlines(
     const FilePath& tool, const CommandArguments& arguments);
 
+/// Runs `tool` to its end, without a shell, what it writes being dropped. Its exit status: 128 and
+/// the signal's number when a signal ended it, 127 when it cannot be started.
+[[nodiscard]] int commandStatus(const FilePath& tool, const CommandArguments& arguments);
+
 /// Full path of the program `name`, by `whereis`; nothing when there is none.
 [[nodiscard]] std::optional<FilePath> commandPath(const std::string& name);
 

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "foundation/DriveActions.h"
 #include "foundation/Enumeration.h"
 #include "foundation/FileManager.h"
 #include "foundation/FilePath.h"
@@ -199,6 +200,67 @@ public:
     [[nodiscard]] bool removableDriveHasFilesContainingSubPath(
         const FilePath& drive, const std::string& subPath, bool subPathIsSuffix,
         const std::optional<std::string>& extension) const;
+    /// Unmounts and ejects the volume that hosts call "/Volumes/" `volumeName`.
+    /// KEPT: NO in every case, also after success; hosts look whether it is still mounted.
+    // NOLINTNEXTLINE(modernize-use-nodiscard): the answer says nothing
+    bool ejectDrive(const std::string& volumeName) const;
+    /// Asks for a new volume name; the outcome is not examined. `newName`, or nothing when it holds
+    /// a character that names of folders may not have.
+    [[nodiscard]] std::optional<std::string> renameDrive(const std::string& newName,
+                                                         const std::string& oldName) const;
+    /// Number of the disk that holds the volume of `path`, below "/Volumes/" or where desktops
+    /// mount volumes; 0 when unknown.
+    [[nodiscard]] unsigned diskNumberForPath(const FilePath& path) const;
+    /// What the volume's own headers say, by the keys of the hosts ("DAVolumeUUID" and others);
+    /// nothing when none is mounted at `volume`.
+    [[nodiscard]] std::optional<DiskDescription> diskArbitrationAttributesForURL(
+        const FilePath& volume) const;
+    /// The volume's UUID as its file system writes it; nothing without one.
+    [[nodiscard]] std::optional<std::string> uuidForDiskRepresentingURL(
+        const FilePath& volume) const;
+    /// A new random UUID as text, in capitals.
+    [[nodiscard]] std::string generateUUID() const;
+
+    // Disk images.
+
+    /// An image named after the folder, beside it.
+    [[nodiscard]] std::optional<FilePath> createDiskImageForDirectoryAtPath(
+        const FilePath& directory) const;
+    /// The volume is named after the image.
+    [[nodiscard]] std::optional<FilePath> createDiskImageForDirectoryAtPath(
+        const FilePath& directory, const std::string& dmgName,
+        const FilePath& outputDirectory) const;
+    /// Path of the image, ".dmg" appended unless the name ends so; nothing when the folder is none,
+    /// the image exists already, or the tool is missing or fails.
+    [[nodiscard]] std::optional<FilePath> createDiskImageForDirectoryAtPath(
+        const FilePath& directory, const std::string& dmgName, const FilePath& outputDirectory,
+        const std::string& volumeName) const;
+    /// Mounts an image. NO when it or the mount point does not exist, or the tool fails. The
+    /// misspelt name is part of the interface.
+    [[nodiscard]] bool mountDMGLocatatedAt(const FilePath& image,
+                                           const std::optional<FilePath>& mountPoint) const;
+
+    // Locks and permissions.
+
+    /// Sets the immutable flag on the item and everything below it.
+    [[nodiscard]] bool lockItemAtPath(const FilePath& path) const;
+    /// Removes it again; a failure's exit status is logged as "Message: %d".
+    [[nodiscard]] bool unlockFile(const FilePath& path) const;
+    /// As unlockFile; NO at once when the user may not write the folder.
+    [[nodiscard]] bool unlockDirectory(const FilePath& path) const;
+    /// POSIX permission bits; 0 when unreadable.
+    [[nodiscard]] std::uint32_t directoryPosixPermissionsForPath(const FilePath& path) const;
+    /// Whether the current user may write the item.
+    [[nodiscard]] bool filePathHasWritePermissions(const FilePath& path) const;
+
+    // Throughput and comparison.
+
+    /// Megabytes per second that the volume's disk moves at present; takes about four seconds.
+    /// Nothing for an idle disk (below 1).
+    [[nodiscard]] std::optional<double> systemOffloadRateForPathInMegaBytesPerSecond(
+        const FilePath& path) const;
+    /// Whether the `cmp` tool finds all bytes equal; NO for what cannot be read.
+    [[nodiscard]] bool bytesForFileAtPath(const FilePath& path, const FilePath& other) const;
 
 private:
     FileManager fileManager_;

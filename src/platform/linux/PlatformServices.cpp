@@ -2,13 +2,16 @@
 
 #include <memory>
 
+#include "platform/linux/BlkidVolumeIdentity.h"
 #include "platform/linux/GlibMainThread.h"
 #include "platform/linux/PixbufImageCodec.h"
 #include "platform/linux/PosixProcessRunner.h"
 #include "platform/linux/ProcMountTable.h"
 #include "platform/linux/ProcRunningApplications.h"
 #include "platform/linux/SteadyClock.h"
+#include "platform/linux/SysDiskStatistics.h"
 #include "platform/linux/SyslogSystemLog.h"
+#include "platform/linux/UdisksDriveManager.h"
 #include "platform/linux/UnicodeTextRules.h"
 #include "platform/linux/ZlibInflater.h"
 #include "platform/ports/Services.h"
@@ -26,6 +29,9 @@ void installPlatformServices(const PlatformOptions& options) {
     inForce.textRules = std::make_shared<UnicodeTextRules>();
     inForce.systemLog = std::make_shared<SyslogSystemLog>();
     inForce.inflater = std::make_shared<ZlibInflater>();
+    inForce.diskStatistics = std::make_shared<SysDiskStatistics>(options.systemRoot);
+    inForce.volumeIdentity = std::make_shared<BlkidVolumeIdentity>(options.systemRoot);
+    inForce.driveManager = std::make_shared<UdisksDriveManager>();
     inForce.imageCodec = std::make_shared<PixbufImageCodec>();
     inForce.runningApplications = std::make_shared<ProcRunningApplications>(options.systemRoot);
 }

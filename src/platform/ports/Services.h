@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "platform/ports/Clock.h"
+#include "platform/ports/DiskStatistics.h"
+#include "platform/ports/DriveManager.h"
 #include "platform/ports/Image.h"
 #include "platform/ports/Inflater.h"
 #include "platform/ports/MainThread.h"
@@ -16,6 +18,7 @@
 #include "platform/ports/ServiceBus.h"
 #include "platform/ports/SystemLog.h"
 #include "platform/ports/TextRules.h"
+#include "platform/ports/VolumeIdentity.h"
 
 namespace qrx::platform {
 
@@ -32,6 +35,9 @@ struct Services {
     std::shared_ptr<ImageCodec> imageCodec;
     std::shared_ptr<RunningApplications> runningApplications;
     std::shared_ptr<ServiceBus> serviceBus;
+    std::shared_ptr<DiskStatistics> diskStatistics;
+    std::shared_ptr<VolumeIdentity> volumeIdentity;
+    std::shared_ptr<DriveManager> driveManager;
     /// Path of the ffmpeg tool that the host chose; empty when it chose none.
     std::string ffmpegPath;
     /// The program's resource folder, absolute, no trailing "/".
@@ -74,6 +80,15 @@ template <class Port>
 }
 [[nodiscard]] inline Inflater& inflater() {
     return detail::inForce(services().inflater, "Inflater");
+}
+[[nodiscard]] inline DiskStatistics& diskStatistics() {
+    return detail::inForce(services().diskStatistics, "DiskStatistics");
+}
+[[nodiscard]] inline VolumeIdentity& volumeIdentity() {
+    return detail::inForce(services().volumeIdentity, "VolumeIdentity");
+}
+[[nodiscard]] inline DriveManager& driveManager() {
+    return detail::inForce(services().driveManager, "DriveManager");
 }
 [[nodiscard]] inline ImageCodec& imageCodec() {
     return detail::inForce(services().imageCodec, "ImageCodec");
