@@ -43,6 +43,7 @@ bool TreeWalk::next() {
         chain_.leave();
         prefixLengths_.pop_back();
     }
+    entering_ = false;
     return false;
 }
 
