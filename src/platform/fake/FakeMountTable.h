@@ -30,7 +30,7 @@ public:
                            .isRemovableDisk = false});
     }
     /// Something without a disk: a share, a file system in memory.
-    void mountOther(std::string mountPoint, std::string fileSystemType) {
+    void mountOther(std::string mountPoint, const std::string& fileSystemType) {
         mounted.push_back({.mountPoint = std::move(mountPoint),
                            .device = fileSystemType,
                            .fileSystemType = fileSystemType,

@@ -1,3 +1,5 @@
+#include <filesystem>
+#include <fstream>
 #include <memory>
 #include <optional>
 #include <stdexcept>
@@ -11,6 +13,7 @@
 #include "platform/fake/FakeMountTable.h"
 #include "platform/fake/RecordingSystemLog.h"
 #include "platform/ports/Services.h"
+#include "support/MountedImage.h"
 #include "support/TemporaryFolder.h"
 
 namespace qrx {
@@ -203,6 +206,28 @@ TEST(DrivesOfThisMachine, RootIsMounted) {
     EXPECT_TRUE(utility.volumeMountedAtPath("/"));
     EXPECT_TRUE(utility.volumeMountedAtPath("/proc"));
     EXPECT_THAT(utility.allMountedVolumeURLs(), testing::Contains("file:///"));
+}
+
+TEST(DrivesOfThisMachine, ImageMountedBelowMediaIsARemovableDrive) {
+    const test::MountedImage card;
+    if (!card.refusal().empty()) GTEST_SKIP() << card.refusal();
+    const QRXFileSystemUtility utility;
+    const FilePath& drive = card.mountPoint();
+    EXPECT_THAT(utility.removableDrives(), testing::Contains(drive));
+    EXPECT_THAT(utility.localVolumes(), testing::Contains(drive));
+    EXPECT_THAT(utility.allMountedVolumes(), testing::Contains(drive));
+    EXPECT_THAT(utility.allMountedVolumeURLs(), testing::Contains("file://" + drive + "/"));
+    EXPECT_TRUE(utility.driveIsRemovable(drive));
+    EXPECT_FALSE(utility.driveIsRemovable(drive + "/"));
+    EXPECT_TRUE(utility.volumeMountedAtPath(drive + "/"));
+
+    const auto holdsStreams = [&] {
+        return utility.removableDriveHasFilesContainingSubPath(drive, "/BDMV/STREAM", true, ".mts");
+    };
+    EXPECT_FALSE(holdsStreams());
+    std::filesystem::create_directories(drive + "/PRIVATE/AVCHD/BDMV/STREAM");
+    std::ofstream(drive + "/PRIVATE/AVCHD/BDMV/STREAM/00000.MTS").put('\0');
+    EXPECT_TRUE(holdsStreams());
 }
 
 }  // namespace

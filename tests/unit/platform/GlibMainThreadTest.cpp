@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include "platform/linux/GlibMainThread.h"
+#include "support/Callers.h"
 
 namespace qrx::platform {
 namespace {
@@ -74,22 +75,17 @@ TEST(GlibMainThreadWithoutLoop, OneThreadAtATime) {
     int inside = 0;  // unguarded on purpose
     int most = 0;
     int done = 0;
-    std::vector<std::thread> callers;
-    for (int caller = 0; caller < 4; ++caller) {
-        callers.emplace_back([&] {
-            for (int round = 0; round < 200; ++round) {
-                main.runAndWait([&] {
-                    most = std::max(most, ++inside);
-                    if (round % 50 == 0) std::this_thread::sleep_for(100us);
-                    --inside;
-                    ++done;
-                });
-            }
-        });
-    }
-    for (std::thread& caller : callers) {
-        caller.join();
-    }
+    test::Callers callers(4, [&](int /*caller*/) {
+        for (int round = 0; round < 200; ++round) {
+            main.runAndWait([&] {
+                most = std::max(most, ++inside);
+                if (round % 50 == 0) std::this_thread::sleep_for(100us);
+                --inside;
+                ++done;
+            });
+        }
+    });
+    callers.wait();
     EXPECT_EQ(most, 1);
     EXPECT_EQ(done, 800);
 }
@@ -137,17 +133,12 @@ TEST(GlibMainThreadServing, FaultReachesWhoAskedAndTheLoopGoesOn) {
 TEST(GlibMainThreadServing, ManyThreadsMayAskAtOnce) {
     Served served;
     int count = 0;  // only the serving thread touches it
-    std::vector<std::thread> callers;
-    for (int caller = 0; caller < 4; ++caller) {
-        callers.emplace_back([&] {
-            for (int round = 0; round < 100; ++round) {
-                served.main().runAndWait([&] { ++count; });
-            }
-        });
-    }
-    for (std::thread& caller : callers) {
-        caller.join();
-    }
+    test::Callers callers(4, [&](int /*caller*/) {
+        for (int round = 0; round < 100; ++round) {
+            served.main().runAndWait([&] { ++count; });
+        }
+    });
+    callers.wait();
     EXPECT_EQ(count, 400);
 }
 
@@ -164,18 +155,13 @@ TEST(GlibMainThreadServing, NobodyHangsWhenTheLoopEnds) {
     for (int round = 0; round < 50; ++round) {
         Served served;
         std::atomic<int> done = 0;
-        std::vector<std::thread> callers;
-        for (int caller = 0; caller < 3; ++caller) {
-            callers.emplace_back([&] {
-                for (int work = 0; work < 20; ++work) {
-                    served.main().runAndWait([&] { ++done; });
-                }
-            });
-        }
+        test::Callers callers(3, [&](int /*caller*/) {
+            for (int work = 0; work < 20; ++work) {
+                served.main().runAndWait([&] { ++done; });
+            }
+        });
         EXPECT_EQ(served.end(), 0);
-        for (std::thread& caller : callers) {
-            caller.join();
-        }
+        callers.wait();
         EXPECT_EQ(done, 60);
     }
 }

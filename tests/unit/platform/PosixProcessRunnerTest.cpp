@@ -19,6 +19,7 @@
 #include <unistd.h>
 
 #include "platform/linux/PosixProcessRunner.h"
+#include "support/Callers.h"
 #include "support/TemporaryFolder.h"
 
 namespace qrx::platform {
@@ -249,48 +250,39 @@ TEST_P(PosixProcessRunnerTest, CancelEndsTheRunUnderWayAndEveryLaterOne) {
 TEST_P(PosixProcessRunnerTest, CancelRacingWithStartsLeavesNothingRunning) {
     for (int round = 0; round < 20; ++round) {
         PosixProcessRunner runner(limits());
-        std::vector<std::thread> callers;
-        for (int caller = 0; caller < 4; ++caller) {
-            callers.emplace_back([&] {
-                EXPECT_THROW(
-                    {
-                        for (;;) {
-                            (void)runner.run({"/bin/sleep", {"100"}, StandardError::captured});
-                        }
-                    },
-                    RunCancelled);
-            });
-        }
+        test::Callers callers(4, [&](int /*caller*/) {
+            EXPECT_THROW(
+                {
+                    for (;;) {
+                        (void)runner.run({"/bin/sleep", {"100"}, StandardError::captured});
+                    }
+                },
+                RunCancelled);
+        });
         std::this_thread::sleep_for(std::chrono::microseconds{200 * round});
         runner.cancelAll();
-        for (std::thread& caller : callers) {
-            caller.join();
-        }
+        callers.wait();
     }
     EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
 }
 
 TEST_P(PosixProcessRunnerTest, ParallelRunsKeepTheirReportsApart) {
-    std::vector<std::thread> callers;
     std::atomic<int> right = 0;
-    for (int caller = 0; caller < 4; ++caller) {
-        callers.emplace_back([&, caller] {
-            for (int round = 0; round < 25; ++round) {
-                const std::string text = std::to_string(caller * 100 + round);
-                if (runner_.run(shell("echo " + text)).standardOutput == text + "\n") ++right;
-            }
-        });
-    }
-    for (std::thread& caller : callers) {
-        caller.join();
-    }
+    test::Callers callers(4, [&](int caller) {
+        for (int round = 0; round < 25; ++round) {
+            const std::string text = std::to_string(caller * 100 + round);
+            if (runner_.run(shell("echo " + text)).standardOutput == text + "\n") ++right;
+        }
+    });
+    callers.wait();
     EXPECT_EQ(right, 100);
 }
 
 TEST_P(PosixProcessRunnerTest, ChildHasNoDescriptorOfOurs) {
-    std::vector<int> opened;  // as a host opens them: without close-on-exec
+    std::vector<int> opened;
+    opened.reserve(64);
     for (int i = 0; i < 64; ++i) {
-        opened.push_back(::open("/dev/null", O_RDONLY));
+        opened.push_back(::open("/dev/null", O_RDONLY));  // as hosts do: without close-on-exec
         ASSERT_GE(opened.back(), 0);
     }
     // The shell expands the pattern with a descriptor of its own open on the folder.

@@ -1,16 +1,12 @@
 #include <algorithm>
-#include <cstdlib>
-#include <filesystem>
-#include <optional>
 #include <string>
 #include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include "platform/linux/PosixProcessRunner.h"
 #include "platform/linux/ProcMountTable.h"
+#include "support/MountedImage.h"
 #include "unit/platform/SystemTree.h"
 
 namespace qrx::platform {
@@ -190,60 +186,8 @@ TEST(MountTableOfThisMachine, RootIsThere) {
                             [](const MountEntry& entry) { return entry.mountPoint == "/"; }));
 }
 
-/// An ext4 image mounted below /media while this lives.
-class MountedImage {
-public:
-    MountedImage() {
-        std::string pattern = "/media/qrx-test-XXXXXX";
-        if (::mkdtemp(pattern.data()) == nullptr) {
-            refusal_ = "no folder can be made below /media";
-            return;
-        }
-        mountPoint_ = pattern;
-        const std::string image = folder_.write("card.img");
-        std::filesystem::resize_file(image, std::uintmax_t{2} << 20U);
-        if (!succeeds("mkfs.ext4", {"-q", "-F", image})) {
-            refusal_ = "mkfs.ext4 cannot make an image";
-        } else if (!succeeds("mount", {"-o", "loop", image, mountPoint_})) {
-            refusal_ = "the kernel refuses loop mounts";
-        } else {
-            mounted_ = true;
-        }
-    }
-    ~MountedImage() {
-        if (mounted_ && !succeeds("umount", {mountPoint_})) {
-            (void)succeeds("umount", {"-l", mountPoint_});
-        }
-        if (!mountPoint_.empty()) ::rmdir(mountPoint_.c_str());
-    }
-    MountedImage(const MountedImage&) = delete;
-    MountedImage& operator=(const MountedImage&) = delete;
-
-    [[nodiscard]] const std::string& mountPoint() const { return mountPoint_; }
-    /// Why nothing is mounted; empty when it is.
-    [[nodiscard]] const std::string& refusal() const { return refusal_; }
-
-private:
-    static bool succeeds(const std::string& tool, const std::vector<std::string>& arguments) {
-        PosixProcessRunner runner;
-        for (const char* folder : {"/usr/sbin/", "/usr/bin/", "/sbin/", "/bin/"}) {
-            const std::string path = folder + tool;
-            if (::access(path.c_str(), X_OK) == 0) {
-                return runner.run({path, arguments, StandardError::captured}).exitStatus == 0;
-            }
-        }
-        return false;
-    }
-
-    test::TemporaryFolder folder_;
-    std::string mountPoint_;
-    std::string refusal_;
-    bool mounted_ = false;
-};
-
 TEST(MountTableOfThisMachine, LoopMountedImageIsABlockDevice) {
-    if (::geteuid() != 0) GTEST_SKIP() << "mounting needs root";
-    const MountedImage image;
+    const test::MountedImage image;
     if (!image.refusal().empty()) GTEST_SKIP() << image.refusal();
     const std::vector<MountEntry> entries = ProcMountTable().entries();
     const auto entry = std::find_if(entries.begin(), entries.end(), [&](const MountEntry& mount) {
