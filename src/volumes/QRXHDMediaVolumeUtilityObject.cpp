@@ -1,7 +1,5 @@
 #include "volumes/QRXHDMediaVolumeUtilityObject.h"
 
-#include <algorithm>
-
 #include "foundation/NeutralAnswer.h"
 #include "foundation/PathText.h"
 #include "foundation/QRXFileSystemUtility.h"
@@ -10,6 +8,7 @@
 #include "readers/QRXFFmpegTerminalWrapper.h"
 #include "timecode/QRXTimecodeUtility.h"
 #include "volumes/FFmpegStill.h"
+#include "volumes/Siblings.h"
 
 namespace qrx {
 
@@ -135,11 +134,8 @@ std::string QRXHDMediaVolumeUtilityObject::volumePartnerIdentifierForFilePath(
 }
 
 bool QRXHDMediaVolumeUtilityObject::filePathsAreVolumeSiblings(const FilePaths& files) const {
-    if (files.empty()) return false;
-    const FilePath folder = withoutLastPathComponent(files.front());
-    return std::all_of(files.begin(), files.end(), [&](const FilePath& file) {
-        return withoutLastPathComponent(file) == folder;
-    });
+    return allShareOneKey(files,
+                          [](const FilePath& file) { return withoutLastPathComponent(file); });
 }
 
 bool QRXHDMediaVolumeUtilityObject::filePathExtensionIsValid(const FilePath& file) const {

@@ -21,7 +21,7 @@ QRXPanasonicAVCHDUtility::pathComponentsIndicatingTheVolumeHasBegun() const {
 }
 
 std::string QRXPanasonicAVCHDUtility::startTimecodeForVideoFile(const FilePath& file) const {
-    const std::string unknown = QRXTimecodeUtility::defaultTimecode();
+    std::string unknown = QRXTimecodeUtility::defaultTimecode();
     return answerOr(unknown, "startTimecodeForVideoFile", [&] {
         const auto information = clipFileForAVCHDVideoFile(file);
         if (!information) return unknown;

@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <chrono>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -62,6 +63,10 @@ struct Identity {
     bool isDefined;  ///< stands in the aggregate's lists
 };
 
+void PrintTo(const Identity& identity, std::ostream* out) {
+    *out << identity.name;
+}
+
 template <class Utility, class Parent, Factory kFactory>
 constexpr Identity identity(std::string_view name, std::uint64_t type, std::string_view title,
                             bool isDefined = true) {
@@ -83,6 +88,10 @@ constexpr Identity identity(std::string_view name, std::uint64_t type, std::stri
         .derivesAsStated = std::is_base_of_v<Parent, Utility>,
         .isDefined = isDefined,
     };
+}
+
+bool isPlainBase(const Base& utility) {
+    return typeid(utility) == typeid(Base);
 }
 
 constexpr auto kVolumeUtility = Factory::volumeUtility;
@@ -153,7 +162,7 @@ TEST_P(UtilityIdentity, FactoryGivesNewObjectsOfItsOwnClass) {
 TEST_P(UtilityIdentity, KeptVolumeUtilityOfAClassThatOffersUtilityGivesABaseObject) {
     const auto made = GetParam().volumeUtility();
     if (GetParam().factory == Factory::utility) {
-        EXPECT_EQ(typeid(*made), typeid(Base));
+        EXPECT_TRUE(isPlainBase(*made));
         EXPECT_EQ(made->volumeType(), 16U);
         EXPECT_EQ(made->volumeTitle(), "Volume");
     } else {

@@ -28,7 +28,8 @@ void layOut(const test::TemporaryFolder& card, const std::string& root,
             std::string_view missing = {}) {
     for (const std::string& item : kItems) {
         if (item == missing) continue;
-        const std::string name = root + "/" + item;
+        std::string name = root;
+        name.append("/").append(item);
         if (name.ends_with('/')) {
             card.makeFolder(name);
         } else {

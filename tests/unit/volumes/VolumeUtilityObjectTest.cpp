@@ -37,6 +37,7 @@ TEST(VolumeUtilityObject, SharedObjectIsOneAndAliveAlways) {
     EXPECT_EQ(&first, &QRXHDMediaVolumeUtilityObject::sharedInstance());
     std::vector<QRXHDMediaVolumeUtilityObject*> seen(8, nullptr);
     std::vector<std::thread> threads;
+    threads.reserve(seen.size());
     for (auto*& slot : seen) {
         threads.emplace_back([&slot] { slot = &QRXHDMediaVolumeUtilityObject::sharedInstance(); });
     }
@@ -137,6 +138,7 @@ TEST(VolumeUtilityObject, ClipsAreOrderedByCreationDate) {
     // Made one after the other, so that birth times ascend; modification times agree with them on
     // file systems without birth times.
     FilePaths made;
+    made.reserve(3);
     for (const char* name : {"b.mov", "a.mov", "c.mov"}) {
         made.push_back(folder.write(name));
         std::this_thread::sleep_for(std::chrono::milliseconds(20));
