@@ -11,8 +11,7 @@ CheckVerdict isMovByName(const QRXHDMediaVolumeUtilityObject&, ExaminedPath& pat
 }
 
 CheckVerdict mayBeVideoByName(const QRXHDMediaVolumeUtilityObject& utility, ExaminedPath& path) {
-    return utility.filePathExtensionIsValid(path.path()) ? CheckVerdict::passes
-                                                         : CheckVerdict::fails;
+    return passesIf(utility.filePathExtensionIsValid(path.path()));
 }
 
 CheckVerdict opensAsMovie(const QRXHDMediaVolumeUtilityObject& utility, ExaminedPath& path) {
@@ -27,12 +26,11 @@ CheckVerdict opensAsMovie(const QRXHDMediaVolumeUtilityObject& utility, Examined
             return CheckVerdict::fails;
         }
     }
-    return *path.movieProbe() ? CheckVerdict::passes : CheckVerdict::fails;
+    return passesIf(*path.movieProbe());
 }
 
 CheckVerdict isLooseMovie(const QRXHDMediaVolumeUtilityObject& utility, ExaminedPath& path) {
-    return walkStructureChecks(kLooseMovieChecks, utility, path).claimed ? CheckVerdict::passes
-                                                                         : CheckVerdict::fails;
+    return passesIf(walkStructureChecks(kLooseMovieChecks, utility, path).claimed);
 }
 
 }  // namespace qrx::quicktime
