@@ -44,6 +44,9 @@ inline constexpr std::string_view kInvalidArguments = "org.freedesktop.DBus.Erro
 /// The answer is larger than a bus carries.
 inline constexpr std::string_view kAnswerTooLarge = "com.quillfen.Error.TooLarge";
 
+/// Any other fault while a call was served.
+inline constexpr std::string_view kCallFailed = "com.quillfen.Error.Failed";
+
 /// Most bytes of one answer. The bus cuts a connection off that sends more than 64 MiB in one
 /// array.
 inline constexpr std::size_t kMostAnswerBytes = 60'000'000;
@@ -99,8 +102,13 @@ public:
     [[nodiscard]] virtual ServedOn servedOn(std::string_view interfaceName,
                                             std::string_view member) const = 0;
 
-    /// Throws BusError to answer with an error; any other fault reaches the caller as a failure
-    /// without details. A member that never answers does not return.
+    /// What a caller may do whose answer was too large for the bus, as a sentence.
+    [[nodiscard]] virtual std::string_view wayOutOfLargeAnswers() const {
+        return "Ask for less at a time.";
+    }
+
+    /// Throws BusError to answer with an error; any other fault reaches the caller as
+    /// "com.quillfen.Error.Failed". A member that never answers does not return.
     [[nodiscard]] virtual BusAnswer answer(const BusCall& call) = 0;
 };
 
