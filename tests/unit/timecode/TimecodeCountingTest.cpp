@@ -144,7 +144,7 @@ INSTANTIATE_TEST_SUITE_P(
     [](const auto& row) { return std::string(row.param.name); });
 
 TEST(FramesToTimecode, KeptDropFrameChangesTheSeparatorAlone) {
-    // 1798 labels of a minute, none of them passed over; 18000 would be 00:10:00;18 otherwise
+    // true drop frame has no labels 00:01:00;00 and 00:01:00;01
     EXPECT_EQ(U::timecodeFromFrames(1798, QRXVideoFrameRate29_97, kFields), "00:01:00;00");
     EXPECT_EQ(U::timecodeFromFrames(1799, QRXVideoFrameRate29_97, kFields), "00:01:00;01");
 }

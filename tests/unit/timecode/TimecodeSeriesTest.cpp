@@ -27,7 +27,7 @@ TEST(SeriesFromFrames, CountsFromTheOffset) {
 }
 
 TEST(SeriesFromFrames, DividesByTheFractionalRate) {
-    // 29.97 in single precision is a little below, so frame 1798 already lies in minute 0
+    // a minute has 1798.2 frames, so frame 1798 still lies in the one before
     EXPECT_THAT(U::timecodeSeriesForFrames(3, 1797, 29.97F, true),
                 ElementsAre("00:00:59;28", "00:00:59;29", "00:01:00;00"));
     // 3600 x 29.97 is a whole number in single precision
