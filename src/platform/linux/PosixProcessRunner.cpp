@@ -96,6 +96,8 @@ ProcessResult PosixProcessRunner::run(const ProcessRequest& request) {
     ProcessResult result;
     {
         const UnderWay registered(*this, child.pid());
+        const std::stop_callback endWithItsRequest(RunsUntil::current(),
+                                                   [&child] { child.killGroup(); });
         output.closeWriteEnd();
         if (errors) errors->closeWriteEnd();
         result.endedByTimeLimit = drainUntilExit(child, output, errors ? &*errors : nullptr);
@@ -163,6 +165,7 @@ void PosixProcessRunner::cancelAll() {
 }
 
 void PosixProcessRunner::throwIfCancelled() {
+    if (RunsUntil::current().stop_requested()) throw RunCancelled{};
     const std::lock_guard lock(mutex_);
     if (cancelled_) throw RunCancelled{};
 }

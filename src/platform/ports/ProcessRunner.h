@@ -1,6 +1,8 @@
 #pragma once
 
+#include <stop_token>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace qrx::platform {
@@ -38,7 +40,7 @@ public:
 
     /// @return what the child wrote and how it ended.
     /// Throws std::system_error when the program cannot be started, and RunCancelled when
-    /// `cancelAll` was called before or while it ran.
+    /// `cancelAll` was called, or the thread's RunsUntil stopped, before or while it ran.
     [[nodiscard]] virtual ProcessResult run(const ProcessRequest& request) = 0;
 
     /// Starts a program that lives on by itself: never waited for by the caller, but reaped.
@@ -50,7 +52,30 @@ public:
     virtual void cancelAll() = 0;
 };
 
-/// Thrown by ProcessRunner::run after `cancelAll`.
+/// Thrown by ProcessRunner::run after `cancelAll`, and when the calling thread's RunsUntil stops.
 struct RunCancelled {};
+
+/// While it lives, runs of this thread belong to one request: once `token` is stopped, the tool
+/// under way is ended and every later run throws RunCancelled. Work that a request hands to other
+/// threads needs one there, too. Runs of threads without one go on.
+class RunsUntil {
+public:
+    explicit RunsUntil(std::stop_token token)
+        : before_(std::exchange(inForce(), std::move(token))) {}
+    ~RunsUntil() { inForce() = std::move(before_); }
+    RunsUntil(const RunsUntil&) = delete;
+    RunsUntil& operator=(const RunsUntil&) = delete;
+
+    /// Of the calling thread; one that is never stopped where there is none.
+    [[nodiscard]] static std::stop_token current() { return inForce(); }
+
+private:
+    static std::stop_token& inForce() {
+        thread_local std::stop_token token;
+        return token;
+    }
+
+    std::stop_token before_;
+};
 
 }  // namespace qrx::platform
