@@ -15,10 +15,6 @@ constexpr std::string_view kPrivateStreamFolder = "/PRIVATE/AVCHD/BDMV/STREAM/";
 constexpr std::string_view kCanonFolder = "/PRIVATE/AVCHD/CANON";
 constexpr std::string_view kClipSuffix = ".MTS";
 
-CheckVerdict passesIf(bool holds) {
-    return holds ? CheckVerdict::passes : CheckVerdict::fails;
-}
-
 std::string followedBy(std::string_view folder, std::string_view name) {
     std::string text(folder);
     text += name;

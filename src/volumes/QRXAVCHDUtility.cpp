@@ -61,9 +61,10 @@ std::optional<std::vector<std::string>> QRXAVCHDUtility::pathComponentsIndicatin
     return std::vector<std::string>{"/PRIVATE/"};
 }
 
-bool QRXAVCHDUtility::formatDriveToMatchValidVolumeStructure(const FilePath& drive) const {
-    return answerOr(false, "formatDriveToMatchValidVolumeStructure",
-                    [&] { return removeEveryEntryOf(drive); });
+std::optional<ResetPlan> QRXAVCHDUtility::resetPlan(const FilePath& drive) const {
+    if (isLink(drive)) return std::nullopt;
+    // KEPT: where there is nothing to list, a missing drive included, there is nothing to fail.
+    return planToRemoveEveryEntry(drive);
 }
 
 bool QRXAVCHDUtility::pathContainsVideoFilesMatchingVolumeStructure(const FilePath& folder) const {

@@ -31,9 +31,9 @@ public:
     [[nodiscard]] std::optional<std::string> rootOfUniquePathIdenifier() const override;
     [[nodiscard]] std::optional<std::vector<std::string>>
     pathComponentsIndicatingTheVolumeHasBegun() const override;
-    /// REMOVES everything that is on `drive`, and makes no folders. Stops with NO at the first
-    /// entry that cannot be removed. Links are removed themselves and never followed.
-    [[nodiscard]] bool formatDriveToMatchValidVolumeStructure(const FilePath& drive) const override;
+    /// Everything that is on `drive` goes, entry by entry; no folders are made. Nothing for a drive
+    /// that is itself a link.
+    [[nodiscard]] std::optional<ResetPlan> resetPlan(const FilePath& drive) const override;
     [[nodiscard]] bool pathContainsVideoFilesMatchingVolumeStructure(
         const FilePath& folder) const override;
     /// The clip information file.

@@ -21,10 +21,6 @@ constexpr std::string_view kClipSuffix = ".MXF";
 constexpr std::string_view kNamePiece = "XF";
 constexpr std::string_view kSidecarSuffix = ".XML";
 
-CheckVerdict passesIf(bool holds) {
-    return holds ? CheckVerdict::passes : CheckVerdict::fails;
-}
-
 CheckVerdict liesBelowClipFolder(const QRXHDMediaVolumeUtilityObject&, ExaminedPath& path) {
     return passesIf(contains(path.upperCased(), kClipFolder));
 }

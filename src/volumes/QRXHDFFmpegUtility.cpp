@@ -13,8 +13,7 @@ namespace qrx {
 namespace {
 
 CheckVerdict passesIfReported(ExaminedPath& path, std::string_view identifier) {
-    return path.ffmpegMetadata().valueForKey(identifier) ? CheckVerdict::passes
-                                                         : CheckVerdict::fails;
+    return passesIf(path.ffmpegMetadata().valueForKey(identifier).has_value());
 }
 
 CheckVerdict hasDuration(const QRXHDMediaVolumeUtilityObject&, ExaminedPath& path) {

@@ -46,8 +46,16 @@ std::optional<std::string> QRXHDMediaVolumeUtilityObject::rootOfUniquePathIdenif
     return std::nullopt;
 }
 
-bool QRXHDMediaVolumeUtilityObject::formatDriveToMatchValidVolumeStructure(const FilePath&) const {
-    return false;
+std::optional<ResetPlan> QRXHDMediaVolumeUtilityObject::resetPlan(const FilePath&) const {
+    return std::nullopt;
+}
+
+bool QRXHDMediaVolumeUtilityObject::formatDriveToMatchValidVolumeStructure(
+    const FilePath& drive) const {
+    return answerOr(false, "formatDriveToMatchValidVolumeStructure", [&] {
+        const auto plan = resetPlan(drive);
+        return plan && carryOut(*plan);
+    });
 }
 
 QRXVideoFrameRate QRXHDMediaVolumeUtilityObject::framerateForVideoFile(const FilePath& file) const {

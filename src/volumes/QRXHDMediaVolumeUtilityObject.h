@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "foundation/QRXObject.h"
+#include "volumes/DriveReset.h"
 #include "volumes/QRXHDMediaVolumeUtilityProtocol.h"
 #include "volumes/StructureCheck.h"
 
@@ -36,7 +37,7 @@ public:
     /// No.
     [[nodiscard]] bool drivePathMatchesVolumeStructure(const FilePath& drive) const override;
     [[nodiscard]] std::optional<std::string> rootOfUniquePathIdenifier() const override;
-    /// Does nothing and answers no.
+    /// Carries out resetPlan(); no when there is none.
     [[nodiscard]] bool formatDriveToMatchValidVolumeStructure(const FilePath& drive) const override;
     /// From the ffmpeg tool's report; 30 frames a second when the report does not say.
     [[nodiscard]] QRXVideoFrameRate framerateForVideoFile(const FilePath& file) const override;
@@ -94,6 +95,10 @@ public:
     /// The name, not the path, of the folder that contains `path`.
     [[nodiscard]] virtual std::string defaultVolumeParentDirectoryForFileSystemPath(
         const FilePath& path) const;
+
+    /// What a reset of `drive` would do, without doing it. Nothing when the format has no reset, or
+    /// refuses this drive; a plan without steps when there is nothing to do.
+    [[nodiscard]] virtual std::optional<ResetPlan> resetPlan(const FilePath& drive) const;
 
     /// The path test, step by step; the empty list claims nothing. The list lives as long as the
     /// program.

@@ -13,7 +13,7 @@ namespace qrx {
 namespace {
 
 CheckVerdict beginsAsMxf(const QRXHDMediaVolumeUtilityObject&, ExaminedPath& path) {
-    return mxfFileHasSignature(path.path()) ? CheckVerdict::passes : CheckVerdict::fails;
+    return passesIf(mxfFileHasSignature(path.path()));
 }
 
 constexpr std::array kChecks{

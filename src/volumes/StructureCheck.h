@@ -47,6 +47,10 @@ enum class CheckVerdict {
     decides,  ///< the utility claims the path, whatever the later checks would say
 };
 
+[[nodiscard]] constexpr CheckVerdict passesIf(bool holds) {
+    return holds ? CheckVerdict::passes : CheckVerdict::fails;
+}
+
 /// One step of a utility's path test. The test is the list of its checks, walked from the front:
 /// the first that fails rejects the path, and a path that passes them all is claimed. An empty list
 /// claims nothing.
