@@ -157,7 +157,7 @@ void addExplainCommand(CLI::App& program, Job& job) {
     command.add_option("-f,--format", options->format, "How it is written")
         ->type_name("text|json")
         ->capture_default_str()
-        ->check(CLI::IsMember({"text", "json"}));
+        ->check(CLI::IsMember({"text", "json"}).description(""));
     addToolOptions(command, *tools);
     command.footer(kFooter);
     command.callback([options, tools, &job] {

@@ -7,11 +7,18 @@ namespace qrx::tool {
 
 namespace {
 
-const CLI::App& commandNamed(const CLI::App& program, const std::string& name) {
-    if (name.empty()) return program;
+/// App::help would explain the command that was chosen, this one.
+std::string helpOf(const CLI::App& command, const std::string& name) {
+    return command.get_formatter()->make_help(&command, name, CLI::AppFormatMode::Normal);
+}
+
+/// The empty name means the program.
+std::string helpText(const CLI::App& program, const std::string& name) {
+    if (name.empty()) return helpOf(program, program.get_name());
+    // Without a filter only those are given that the command line chose.
     const auto commands = program.get_subcommands([](const CLI::App*) { return true; });
     for (const CLI::App* const command : commands) {
-        if (command->get_name() == name) return *command;
+        if (command->get_name() == name) return helpOf(*command, program.get_name() + " " + name);
     }
     throw CLI::ValidationError("COMMAND", "there is no command " + name);
 }
@@ -23,9 +30,7 @@ void addHelpCommand(CLI::App& program, Job& job) {
     CLI::App& command = *program.add_subcommand("help", "Explain a command and its options");
     command.add_option("COMMAND", *name, "The command to explain; without it, the program");
     command.callback([name, &program, &job] {
-        const CLI::App& wanted = commandNamed(program, *name);
-        const std::string prefix = &wanted == &program ? "" : program.get_name();
-        job.run = [text = wanted.help(prefix)](Session& session) {
+        job.run = [text = helpText(program, *name)](Session& session) {
             session.output.write(text);
             return kDone;
         };

@@ -11,6 +11,7 @@
 #include "qrx/Names.h"
 #include "qrx/ShownText.h"
 #include "qrx/cards/CardMaker.h"
+#include "qrx/cards/LooseMovies.h"
 
 namespace qrx::tool {
 
@@ -126,7 +127,7 @@ void addMkcardCommand(CLI::App& program, Job& job) {
     command.add_option("FOLDER", options->folder, "Where; it becomes the root of the card");
     command.add_option("--clips", options->clips, "How many clips")
         ->type_name("N")
-        ->check(CLI::PositiveNumber);
+        ->check(CLI::Range(1U, kMostLooseMovies).description(""));
     command.add_flag("--list", options->lists, "List the layouts");
     addToolOptions(command, *tools);
     command.footer(kFooter);

@@ -30,6 +30,8 @@ Formats:
   A path that is not UTF-8 stands in "filePathBytes", in base64, in the place of
   "filePath"; in CSV so does a path with control characters such as line ends.
 
+Names that begin with "-" go behind "--".
+
 Exit status: 0 the scan ran; 1 something could not be scanned or written (it is
 named on standard error, the rest is done); 2 wrong usage; 130 after Ctrl-C.
 
@@ -154,18 +156,17 @@ void addScanCommand(CLI::App& program, Job& job) {
     auto options = std::make_shared<ScanOptions>();
     auto tools = std::make_shared<ToolOptions>();
     CLI::App& command = *program.add_subcommand("scan", "List the clips at the given paths");
-    command.add_option("PATH", options->paths,
-                       "Folders, cards or files; \"--\" before names with a leading \"-\"");
+    command.add_option("PATH", options->paths, "Cards, folders or files");
     command.add_option("-f,--format", options->format, "How clips are written")
         ->type_name("table|json|ndjson|csv")
         ->capture_default_str()
-        ->check(CLI::IsMember({"table", "json", "ndjson", "csv"}));
+        ->check(CLI::IsMember({"table", "json", "ndjson", "csv"}).description(""));
     command.add_flag("--wide", options->isWide, "Table: never shorten a path");
     CLI::Option* const fromStdin = command.add_flag(
-        "--from-stdin", options->readsNames, "Read further paths from standard input, one a line");
+        "--from-stdin", options->readsNames, "Read more paths from standard input, one a line");
     command
         .add_flag("-0,--null", options->namesEndInNul,
-                  "Paths on standard input end in a NUL byte, as find -print0 writes them")
+                  "Those paths end in a NUL byte (find -print0)")
         ->needs(fromStdin);
     addToolOptions(command, *tools);
     command.footer(kFooter);

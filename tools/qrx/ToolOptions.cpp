@@ -2,20 +2,31 @@
 
 namespace qrx::tool {
 
-void addToolOptions(CLI::App& command, ToolOptions& options) {
+namespace {
+
+/// Empty when the text is a number of seconds that can be waited for.
+std::string whyNoDuration(const std::string& text) {
     constexpr double kMostSeconds = 1e6;
+    double seconds = -1;
+    const bool isNumber = CLI::detail::lexical_cast(text, seconds);
+    if (isNumber && seconds >= 0 && seconds <= kMostSeconds) return {};
+    return text + " is no number of seconds from 0 to 1000000";
+}
+
+}  // namespace
+
+void addToolOptions(CLI::App& command, ToolOptions& options) {
     command
         .add_option("--ffmpeg", options.ffmpegPath,
-                    "The ffmpeg tool to use, even if nothing is there. Without it the one that is "
-                    "installed is used.")
+                    "The ffmpeg to use, in place of the installed one")
         ->type_name("PATH")
         ->envname("QRX_FFMPEG");
     command
         .add_option("--tool-limit", options.secondsAtMost,
-                    "End ffmpeg when it runs longer on one file, and name the file; 0: never.")
+                    "End ffmpeg after so long on one file; 0: never")
         ->type_name("SECONDS")
         ->capture_default_str()
-        ->check(CLI::Range(0.0, kMostSeconds));
+        ->check(CLI::Validator(whyNoDuration, ""));
 }
 
 }  // namespace qrx::tool
