@@ -19,6 +19,7 @@
 #include "platform/ports/SystemLog.h"
 #include "platform/ports/TextRules.h"
 #include "platform/ports/VolumeIdentity.h"
+#include "platform/ports/XmlDocument.h"
 
 namespace qrx::platform {
 
@@ -38,6 +39,7 @@ struct Services {
     std::shared_ptr<DiskStatistics> diskStatistics;
     std::shared_ptr<VolumeIdentity> volumeIdentity;
     std::shared_ptr<DriveManager> driveManager;
+    std::shared_ptr<XmlParser> xmlParser;
     /// Path of the ffmpeg tool that the host chose; empty when it chose none.
     std::string ffmpegPath;
     /// The program's resource folder, absolute, no trailing "/".
@@ -89,6 +91,9 @@ template <class Port>
 }
 [[nodiscard]] inline DriveManager& driveManager() {
     return detail::inForce(services().driveManager, "DriveManager");
+}
+[[nodiscard]] inline XmlParser& xmlParser() {
+    return detail::inForce(services().xmlParser, "XmlParser");
 }
 [[nodiscard]] inline ImageCodec& imageCodec() {
     return detail::inForce(services().imageCodec, "ImageCodec");
