@@ -3,7 +3,9 @@
 #include <memory>
 
 #include "platform/linux/BlkidVolumeIdentity.h"
+#include "platform/linux/GdbusServiceBus.h"
 #include "platform/linux/GlibMainThread.h"
+#include "platform/linux/LibxmlParser.h"
 #include "platform/linux/PixbufImageCodec.h"
 #include "platform/linux/PosixProcessRunner.h"
 #include "platform/linux/ProcMountTable.h"
@@ -33,7 +35,10 @@ void installPlatformServices(const PlatformOptions& options) {
     inForce.volumeIdentity = std::make_shared<BlkidVolumeIdentity>(options.systemRoot);
     inForce.driveManager = std::make_shared<UdisksDriveManager>();
     inForce.imageCodec = std::make_shared<PixbufImageCodec>();
+    inForce.xmlParser = std::make_shared<LibxmlParser>();
     inForce.runningApplications = std::make_shared<ProcRunningApplications>(options.systemRoot);
+    inForce.serviceBus = std::make_shared<GdbusServiceBus>(
+        "", [mainThread = inForce.mainThread] { mainThread->terminate(); });
 }
 
 }  // namespace qrx::platform
