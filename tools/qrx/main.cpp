@@ -114,6 +114,14 @@ int runJob(const Job& job) {
     return finished(output, console, status);
 }
 
+std::string whatIsWrong(const CLI::App& program, const CLI::ParseError& end) {
+    const std::vector<std::string> unknown = program.remaining();
+    if (program.get_subcommands().empty() && !unknown.empty()) {
+        return "there is no command " + shown(unknown.front());
+    }
+    return shown(end.what());
+}
+
 /// Help and version go to standard output; what is wrong with the command line to standard error.
 int endOfParsing(const CLI::App& program, const CLI::ParseError& end) {
     Console console(STDERR_FILENO);
@@ -124,8 +132,10 @@ int endOfParsing(const CLI::App& program, const CLI::ParseError& end) {
         output.write(text.str());
         return finished(output, console, kDone);
     }
-    console.say(shown(end.what()));
-    console.say("see qrx --help, qrx help scan");
+    const auto chosen = program.get_subcommands();
+    const std::string command = chosen.empty() ? "" : " " + chosen.front()->get_name();
+    console.say(whatIsWrong(program, end));
+    console.say("see qrx help" + command);
     return kUsage;
 }
 
