@@ -15,8 +15,6 @@ namespace qrx {
 
 namespace {
 
-using quicktime::passesIf;
-
 constexpr std::string_view kNamePrefix = "GO";
 constexpr std::string_view kClipSuffix = ".MP4";
 constexpr std::string_view kMediaFolder = "/DCIM/";

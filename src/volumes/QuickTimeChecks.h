@@ -9,10 +9,6 @@ namespace qrx::quicktime {
 // The path test of loose movies, and the same as one step of the cameras that record movies. The
 // utilities that use them are QRXQTUtility and its subclasses.
 
-[[nodiscard]] constexpr CheckVerdict passesIf(bool holds) {
-    return holds ? CheckVerdict::passes : CheckVerdict::fails;
-}
-
 [[nodiscard]] CheckVerdict isMovByName(const QRXHDMediaVolumeUtilityObject&, ExaminedPath&);
 [[nodiscard]] CheckVerdict mayBeVideoByName(const QRXHDMediaVolumeUtilityObject&, ExaminedPath&);
 [[nodiscard]] CheckVerdict opensAsMovie(const QRXHDMediaVolumeUtilityObject&, ExaminedPath&);
