@@ -1,5 +1,7 @@
 #include "app/QRXHDFileMatcherController.h"
 
+#include "app/FileMatcherInterfaces.h"
+#include "app/FileMatcherMethods.h"
 #include "foundation/NeutralAnswer.h"
 #include "platform/ports/Services.h"
 #include "readers/MovieReader.h"
@@ -23,10 +25,17 @@ bool hasPictureOrSound(const FilePath& file) {
 std::vector<PathDictionary>
 QRXHDFileMatcherController::filePathDictionariesForAllHDFilesAtFileSystemLocations(
     const FilePaths& locations) const {
+    return filePathDictionariesForAllHDFilesAtFileSystemLocations(locations, nullptr);
+}
+
+std::vector<PathDictionary>
+QRXHDFileMatcherController::filePathDictionariesForAllHDFilesAtFileSystemLocations(
+    const FilePaths& locations, const std::atomic<bool>* isCancelled) const {
     return answerOr(std::vector<PathDictionary>{}, "filePathDictionaries", [&] {
         std::vector<PathDictionary> clips;
         MatchListener listener;
         listener.onClip = [&clips](const PathDictionary& clip) { clips.push_back(clip); };
+        listener.isCancelled = isCancelled;
         (void)FileMatcher().match(locations, listener);
         return clips;
     });
@@ -62,6 +71,30 @@ std::optional<FilePaths> QRXHDFileMatcherController::filePathsMatchingHDFormats(
 
 void QRXHDFileMatcherController::autoTest() const {
     (void)filePathDictionariesForAllHDFilesAtFileSystemLocations({kAutoTestFolder});
+}
+
+void QRXHDFileMatcherController::awakeFromNib() {
+    constexpr std::size_t kNameArgument = 1;
+    detachNewThread([this] { ensureValidAppIsRunning(); });
+    vendAsDistributedObjectWithArgumentIndexForRegisteredName(kNameArgument);
+}
+
+std::vector<std::string_view> QRXHDFileMatcherController::interfaceDescriptions() const {
+    auto all = QRXDistributedAppController::interfaceDescriptions();
+    all.insert(all.end(), {kQRXHDFileMatcherProtocolXml, kQRXHDFileMatcherStreamXml});
+    return all;
+}
+
+std::vector<BusMethod> QRXHDFileMatcherController::exportedMethods() {
+    auto all = QRXDistributedAppController::exportedMethods();
+    for (BusMethod& method : fileMatcherMethods(*this)) {
+        all.push_back(std::move(method));
+    }
+    return all;
+}
+
+std::string_view QRXHDFileMatcherController::wayOutOfLargeAnswers() const {
+    return "Ask com.quillfen.QRXHDFileMatcherStream, which has no limit, or for fewer locations.";
 }
 
 }  // namespace qrx

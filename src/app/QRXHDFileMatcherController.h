@@ -1,11 +1,13 @@
 #pragma once
 
+#include <atomic>
 #include <optional>
 #include <string>
 #include <vector>
 
+#include "app/QRXHDFileMatcherProtocol.h"
+#include "distributed/QRXDistributedAppController.h"
 #include "foundation/FilePath.h"
-#include "foundation/QRXObject.h"
 #include "volumes/PathDictionary.h"
 #include "volumes/QRXHDMediaVolumeUtilityObject.h"
 
@@ -13,16 +15,19 @@ namespace qrx {
 
 /// What a host asks about file-system locations. Lives as long as the process and keeps nothing
 /// between requests: each works on the file system as it is at that moment. No operation throws.
-class QRXHDFileMatcherController : public QRXObject {
+class QRXHDFileMatcherController : public QRXDistributedAppController,
+                                   public QRXHDFileMatcherProtocol {
 public:
-    /// The clips at the locations: a location at which nothing exists is passed over, a file stands
-    /// for itself, a folder for the source files below it. In the order of the locations and of
-    /// each folder's enumeration; a file that is reached twice is told twice.
     [[nodiscard]] std::vector<PathDictionary>
-    filePathDictionariesForAllHDFilesAtFileSystemLocations(const FilePaths& locations) const;
+    filePathDictionariesForAllHDFilesAtFileSystemLocations(
+        const FilePaths& locations) const override;
+    /// As before; ends early, with what was found so far, once `isCancelled` is set. It may be
+    /// null.
+    [[nodiscard]] std::vector<PathDictionary>
+    filePathDictionariesForAllHDFilesAtFileSystemLocations(
+        const FilePaths& locations, const std::atomic<bool>* isCancelled) const;
 
-    /// Whether the file opens as a movie with a video or a sound track.
-    [[nodiscard]] bool filePathIsQuickTime(const FilePath& file) const;
+    [[nodiscard]] bool filePathIsQuickTime(const FilePath& file) const override;
 
     /// Whether a utility other than the base object claims the file, told by its volume type.
     [[nodiscard]] bool filePathMatchesADefinedVolume(const FilePath& file) const;
@@ -41,6 +46,15 @@ public:
 
     /// A developer's self-test: looks through one fixed card folder and drops the answer.
     void autoTest() const;
+
+    /// Called once the composition has made this object: starts the watch over the host on a
+    /// thread of its own, then serves under the name that is command-line argument 1.
+    void awakeFromNib() override;
+
+protected:
+    [[nodiscard]] std::vector<std::string_view> interfaceDescriptions() const override;
+    [[nodiscard]] std::vector<BusMethod> exportedMethods() override;
+    [[nodiscard]] std::string_view wayOutOfLargeAnswers() const override;
 };
 
 }  // namespace qrx

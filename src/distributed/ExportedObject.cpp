@@ -6,8 +6,8 @@
 namespace qrx {
 
 ExportedObject::ExportedObject(std::vector<std::string_view> descriptions,
-                               std::vector<BusMethod> methods)
-    : descriptions_(std::move(descriptions)), methods_(std::move(methods)) {}
+                               std::vector<BusMethod> methods, std::string_view wayOut)
+    : descriptions_(std::move(descriptions)), methods_(std::move(methods)), wayOut_(wayOut) {}
 
 const BusMethod* ExportedObject::method(std::string_view interfaceName,
                                         std::string_view member) const {

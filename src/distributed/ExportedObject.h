@@ -19,7 +19,9 @@ struct BusMethod {
 /// An object made of a list of members and the descriptions of their interfaces.
 class ExportedObject final : public platform::BusObject {
 public:
-    ExportedObject(std::vector<std::string_view> descriptions, std::vector<BusMethod> methods);
+    /// @param wayOut  what a caller is told whose answer was too large; must outlive the object.
+    ExportedObject(std::vector<std::string_view> descriptions, std::vector<BusMethod> methods,
+                   std::string_view wayOut = platform::kAskForLess);
 
     [[nodiscard]] std::vector<std::string_view> interfaceDescriptions() const override {
         return descriptions_;
@@ -27,6 +29,7 @@ public:
     /// The main thread for a member that is not in the list.
     [[nodiscard]] platform::ServedOn servedOn(std::string_view interfaceName,
                                               std::string_view member) const override;
+    [[nodiscard]] std::string_view wayOutOfLargeAnswers() const override { return wayOut_; }
     /// Refuses a member that is not in the list.
     [[nodiscard]] platform::BusAnswer answer(const platform::BusCall& call) override;
 
@@ -38,6 +41,7 @@ private:
 
     std::vector<std::string_view> descriptions_;
     std::vector<BusMethod> methods_;
+    std::string_view wayOut_;
 };
 
 }  // namespace qrx

@@ -108,7 +108,8 @@ void QRXDistributedAppController::vend(const std::string& name) {
         terminate();
         return;
     }
-    const auto root = std::make_shared<ExportedObject>(interfaceDescriptions(), exportedMethods());
+    const auto root = std::make_shared<ExportedObject>(interfaceDescriptions(), exportedMethods(),
+                                                       wayOutOfLargeAnswers());
     if (!bus.vend(name, root)) {  // somebody took it since
         terminate();
         return;
@@ -210,6 +211,10 @@ std::vector<std::string_view> QRXDistributedAppController::interfaceDescriptions
 
 std::vector<BusMethod> QRXDistributedAppController::exportedMethods() {
     return distributedMethods(*this);
+}
+
+std::string_view QRXDistributedAppController::wayOutOfLargeAnswers() const {
+    return platform::kAskForLess;
 }
 
 }  // namespace qrx

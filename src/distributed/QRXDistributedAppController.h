@@ -110,6 +110,8 @@ protected:
     /// The protocols that others may call, and their members; a subclass adds its own.
     [[nodiscard]] virtual std::vector<std::string_view> interfaceDescriptions() const;
     [[nodiscard]] virtual std::vector<BusMethod> exportedMethods();
+    /// What a caller is told whose answer was too large for the bus.
+    [[nodiscard]] virtual std::string_view wayOutOfLargeAnswers() const;
 
 private:
     void vend(const std::string& name);

@@ -85,6 +85,9 @@ struct BusAnswer {
     std::function<void()> afterwards;
 };
 
+/// The way out of an answer that is too large, where there is no better one.
+inline constexpr std::string_view kAskForLess = "Ask for less at a time.";
+
 /// On which thread a member is served.
 enum class ServedOn {
     mainThread,  ///< with all others, one at a time, in order of arrival
@@ -103,9 +106,7 @@ public:
                                             std::string_view member) const = 0;
 
     /// What a caller may do whose answer was too large for the bus, as a sentence.
-    [[nodiscard]] virtual std::string_view wayOutOfLargeAnswers() const {
-        return "Ask for less at a time.";
-    }
+    [[nodiscard]] virtual std::string_view wayOutOfLargeAnswers() const { return kAskForLess; }
 
     /// Throws BusError to answer with an error; any other fault reaches the caller as
     /// "com.quillfen.Error.Failed". A member that never answers does not return.
