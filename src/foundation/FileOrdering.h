@@ -1,6 +1,5 @@
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -25,7 +24,10 @@ struct FileDate {
     std::int64_t seconds = 0;
     std::uint32_t nanoseconds = 0;
 
-    [[nodiscard]] auto operator<=>(const FileDate&) const = default;
+    [[nodiscard]] bool operator==(const FileDate&) const = default;
+    [[nodiscard]] bool operator<(const FileDate& other) const {
+        return seconds != other.seconds ? seconds < other.seconds : nanoseconds < other.nanoseconds;
+    }
 };
 
 /// When the item itself (a link, not its target) was created; where the file system does not keep

@@ -32,13 +32,13 @@ FilePath uniquePath(const FilePath& path) {
         joinedPath(withoutLastPathComponent(path), withoutPathExtension(lastPathComponent(path)));
     // KEPT: a file without extension gets a lone point, and then a number at once
     const bool numberAtOnce = !isFolder && extension.empty();
-    const FilePath unnumbered = stem + suffix;
+    FilePath unnumbered = stem + suffix;
     if (!numberAtOnce && !itemExists(unnumbered)) return unnumbered;
     return firstFreeNumbered(stem, suffix);
 }
 
 FilePath createUniqueFolder(const FilePath& path) {
-    const FilePath unique = uniquePath(path);
+    FilePath unique = uniquePath(path);
     if (unique.find('\0') != FilePath::npos) return unique;
     std::error_code outcome;  // not told to the caller: the path is the answer either way
     std::filesystem::create_directories(unique, outcome);

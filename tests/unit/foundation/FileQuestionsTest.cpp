@@ -85,7 +85,7 @@ TEST(FileQuestions, SpecialFiles) {
 }
 
 TEST(FileQuestions, LongPathsAreAnsweredNotThere) {
-    for (const std::size_t length : {255, 256, 4000, 4095, 4096, 100000}) {
+    for (const std::size_t length : {255U, 256U, 4000U, 4095U, 4096U, 100000U}) {
         EXPECT_EQ(answers("/" + std::string(length, 'x')), "----") << length;
     }
     std::string many;

@@ -54,6 +54,7 @@ TEST(SharedInstance, ThreadsThatRaceGetOneObjectAndTheLosersAreDeleted) {
     std::latch start(kThreads);
     std::array<Slow*, kThreads> got{};
     std::vector<std::thread> threads;
+    threads.reserve(got.size());
     for (Slow*& mine : got) {
         threads.emplace_back([&start, &mine] {
             start.arrive_and_wait();

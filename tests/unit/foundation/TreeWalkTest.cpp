@@ -184,9 +184,9 @@ private:
 
 TEST(TreeWalk, DeepTreeNeedsFewDescriptorsAndNoShortPaths) {
     const TemporaryFolder folder;
-    constexpr std::size_t kDepth = 3000;  // 9,000 bytes of path
-    const std::string file = test::makeDeepTree(folder.path(), "dd", kDepth);
-    folder.write("dd/dd/last");
+    constexpr std::size_t kDepth = 1000;  // 5,000 bytes of path
+    const std::string file = test::makeDeepTree(folder.path(), "dddd", kDepth);
+    folder.write("dddd/dddd/last");
     folder.write("zz");
     const FewDescriptors few;
     std::size_t folders = 0;
@@ -200,7 +200,7 @@ TEST(TreeWalk, DeepTreeNeedsFewDescriptorsAndNoShortPaths) {
         }
     }
     EXPECT_EQ(folders, kDepth);
-    EXPECT_EQ(files, (Paths{file, folder / "dd/dd/last", folder / "zz"}));
+    EXPECT_EQ(files, (Paths{file, folder / "dddd/dddd/last", folder / "zz"}));
     EXPECT_TRUE(removeItem(folder.path()));
 }
 
