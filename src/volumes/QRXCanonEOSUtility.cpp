@@ -96,7 +96,8 @@ bool QRXCanonEOSUtility::pathContainsVideoFilesMatchingVolumeStructure(
 
 std::optional<FilePath> QRXCanonEOSUtility::metadataFilePathForVideoFile(
     const FilePath& file) const {
-    // Every ".MOV" of the path is replaced, those in names of folders too.
+    // KEPT: every ".MOV" of the path is replaced, those in names of folders too, so the clips of a
+    // folder that is called so have no sidecar. No camera makes one.
     FilePath sidecar = replaceAllIgnoringCase(file, kClipSuffix, kSidecarSuffix);
     if (!itemExists(sidecar)) return std::nullopt;
     return sidecar;

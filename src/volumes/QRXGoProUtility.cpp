@@ -21,6 +21,8 @@ constexpr std::string_view kMediaFolder = "/DCIM/";
 constexpr std::string_view kClipFolderSuffix = "GOPRO";
 constexpr std::array<std::string_view, 1> kDriveItems{"DCIM/"};
 
+// KEPT: later chapters (GP01...) and newer cameras (GH, GX) name their clips otherwise and are not
+// claimed; hosts know those clips as loose movies.
 CheckVerdict isNamedByTheCamera(const QRXHDMediaVolumeUtilityObject&, ExaminedPath& path) {
     return passesIf(beginsWith(path.fileName(), kNamePrefix));
 }

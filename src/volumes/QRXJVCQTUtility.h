@@ -28,6 +28,8 @@ public:
     pathComponentsIndicatingTheVolumeHasBegun() const override;
     /// REMOVES everything but the card's folders, wherever they stand, and the index, from which
     /// the clips go. A drive that is a link is refused.
+    /// KEPT: the index's copy, MEDIAINF.BAK, goes too, so the drive test says no until the camera
+    /// has made it anew.
     [[nodiscard]] std::optional<ResetPlan> resetPlan(const FilePath& drive) const override;
     /// Whether the clips' folder of a card holds a .MOV.
     [[nodiscard]] bool pathContainsVideoFilesMatchingVolumeStructure(

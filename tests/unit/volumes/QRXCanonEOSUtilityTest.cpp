@@ -74,7 +74,7 @@ TEST_F(CanonEOS, TheSidecarStandsBesideTheClip) {
     EXPECT_EQ(utility_.metadataFilePathForVideoFile(card / "DCIM/MVI_0002.mov"), std::nullopt);
 }
 
-TEST_F(CanonEOS, EveryMovOfThePathIsReplaced) {
+TEST_F(CanonEOS, KeptEveryMovOfThePathIsReplaced) {
     const CardTree card{"A.MOV/MVI_0001.MOV", "A.THM/MVI_0001.THM"};
     EXPECT_EQ(utility_.metadataFilePathForVideoFile(card / "A.MOV/MVI_0001.MOV"),
               card / "A.THM/MVI_0001.THM");

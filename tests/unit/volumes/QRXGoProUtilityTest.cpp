@@ -58,7 +58,7 @@ TEST_F(GoPro, TwoFoldersDcimAreAFolderOfDcim) {
     EXPECT_TRUE(claimsMovie("DCIM/DCIM/GOPR0001.MP4"));
 }
 
-TEST_F(GoPro, NamesThatDoNotBeginWithGoAreNot) {
+TEST_F(GoPro, KeptChaptersAndNewerCamerasThatDoNotBeginWithGoAreNot) {
     EXPECT_FALSE(claimsMovie("DCIM/100GOPRO/GP010001.MP4"));
     EXPECT_FALSE(claimsMovie("DCIM/100GOPRO/GX010001.MP4"));
     EXPECT_FALSE(claimsMovie("DCIM/100GOPRO/gopr0001.MP4"));

@@ -258,7 +258,7 @@ TEST_F(JVCQTReset, KeepsTheFoldersAndTheEmptiedIndex) {
     EXPECT_EQ(index.find("ABCD0001_01"), std::string::npos) << index;
 }
 
-TEST_F(JVCQTReset, AfterwardsTheDriveTestMissesTheSecondIndex) {
+TEST_F(JVCQTReset, KeptAfterwardsTheDriveTestMissesTheIndexCopy) {
     mounts_->mountCard(folder_.path());
     EXPECT_TRUE(utility_.drivePathMatchesVolumeStructure(folder_.path()));
     EXPECT_TRUE(reset());
