@@ -69,6 +69,7 @@ std::string QRXFileSystemUtility::removeInvalidPathCharactersFromPath(
 }
 
 bool QRXFileSystemUtility::directoryNameIsValid(const std::string& name) const {
+    // KEPT: the set is that of paths, so a "/" is no objection, and neither is a double quote.
     return removeInvalidPathCharactersFromPath(name) == name;
 }
 
@@ -181,6 +182,7 @@ FilePaths QRXFileSystemUtility::sourceFilesAtDirectory(const FilePath& directory
                                                        bool recursiveSearch,
                                                        bool ignoreHiddenFiles) const {
     return answerOr(FilePaths(), "sourceFilesAtDirectory", [&] {
+        // KEPT: a recursive search ignores hidden files whatever it is told.
         return recursiveSearch ? sourceFiles(directory)
                                : shallowSourceFiles(directory, hiddenFor(ignoreHiddenFiles));
     });
