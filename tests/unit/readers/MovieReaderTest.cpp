@@ -25,7 +25,6 @@ using test::smallMovie;
 using test::TemporaryFolder;
 using test::track;
 using test::tracks;
-using test::zeros;
 
 /// A file of `size` bytes that holds `front` at its start, `back` at its end and zeros between,
 /// which it counts the reads of.
@@ -192,6 +191,7 @@ TEST(MovieReader, SeveralThreadsMayRead) {
     const TemporaryFolder folder;
     const std::string path = folder.write("a.mov", smallMovie());
     std::vector<std::thread> threads;
+    threads.reserve(4);
     std::atomic<int> opened{0};
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&] {
