@@ -74,8 +74,8 @@ void makeBdmv(NewCard& card, const MediaTool& media, unsigned clips, const std::
     const TransportStream stream = makeStream(card, media, firstClip);
     for (unsigned clip = 0; clip < clips; ++clip) {
         const std::string name = clipName(clip);
-        if (clip > 0) card.copy(firstClip, bdmv + "/STREAM/" + name + ".MTS");
-        card.write(bdmv + "/CLIPINF/" + name + ".CPI",
+        if (clip > 0) card.copy(firstClip, fmt::format("{}/STREAM/{}.MTS", bdmv, name));
+        card.write(fmt::format("{}/CLIPINF/{}.CPI", bdmv, name),
                    clipInformationFile(stream, startOf(clip), timecode));
     }
     std::vector<std::string> indexFolders{bdmv};
