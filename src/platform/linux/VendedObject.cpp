@@ -123,13 +123,13 @@ private:
 
 VendedObject::VendedObject(GDBusConnection* connection, const char* objectPath,
                            std::shared_ptr<BusObject> object)
-    : connection_(static_cast<GDBusConnection*>(g_object_ref(connection))),
-      objectPath_(objectPath) {
+    : connection_(static_cast<GDBusConnection*>(g_object_ref(connection))) {
     serving_->object = std::move(object);
-    watchCallers();
+    serving_->objectPath = objectPath;
     for (const std::string_view description : serving_->object->interfaceDescriptions()) {
         registerInterfaces(description);
     }
+    watchCallers();
 }
 
 VendedObject::~VendedObject() {
@@ -158,12 +158,30 @@ void VendedObject::registerInterfaces(std::string_view description) {
     if (!node) throw busErrorOf(error.get());
     for (auto** one = node->interfaces; one != nullptr && *one != nullptr; ++one) {
         const guint registration = g_dbus_connection_register_object(
-            connection_.get(), objectPath_, *one, &kTable, new SharedServing(serving_),
+            connection_.get(), serving_->objectPath.c_str(), *one, &kTable,
+            new SharedServing(serving_),
             [](gpointer serving) { delete static_cast<SharedServing*>(serving); }, error.receive());
         if (registration == 0) throw busErrorOf(error.get());
         registrations_.push_back(registration);
+        for (auto** method = (*one)->methods; method != nullptr && *method != nullptr; ++method) {
+            serving_->interfaceOfMember.emplace((*method)->name, (*one)->name);
+        }
     }
     descriptions_.push_back(std::move(node));
+}
+
+/// A caller may leave the interface out, and means the one that has the member; GDBus wants it.
+GDBusMessage* VendedObject::withInterface(GDBusMessage* message, const Serving& serving) {
+    const char* const member = g_dbus_message_get_member(message);
+    if (member == nullptr || g_dbus_message_get_interface(message) != nullptr) return message;
+    if (serving.objectPath != g_dbus_message_get_path(message)) return message;
+    const auto found = serving.interfaceOfMember.find(member);
+    if (found == serving.interfaceOfMember.end()) return message;
+    GDBusMessage* const whole = g_dbus_message_copy(message, nullptr);
+    if (whole == nullptr) return message;
+    g_dbus_message_set_interface(whole, found->second.c_str());
+    g_object_unref(message);
+    return whole;
 }
 
 /// Runs on the connection's own thread, so that a caller's leaving is noticed while the main thread
@@ -171,10 +189,14 @@ void VendedObject::registerInterfaces(std::string_view description) {
 GDBusMessage* VendedObject::watchMessage(GDBusConnection*, GDBusMessage* message, gboolean incoming,
                                          gpointer serving) {
     if (incoming == FALSE) return message;
-    BusCallers& known = (*static_cast<SharedServing*>(serving))->callers;
+    Serving& served = **static_cast<SharedServing*>(serving);
+    BusCallers& known = served.callers;
     const char* const sender = g_dbus_message_get_sender(message);
     const GDBusMessageType type = g_dbus_message_get_message_type(message);
-    if (type == G_DBUS_MESSAGE_TYPE_METHOD_CALL && sender != nullptr) known.arrived(sender);
+    if (type == G_DBUS_MESSAGE_TYPE_METHOD_CALL) {
+        if (sender != nullptr) known.arrived(sender);
+        return withInterface(message, served);
+    }
     if (type != G_DBUS_MESSAGE_TYPE_SIGNAL || g_strcmp0(sender, kBus) != 0) return message;
     if (g_strcmp0(g_dbus_message_get_member(message), kOwnerChanged) != 0) return message;
     GVariant* const body = g_dbus_message_get_body(message);

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <map>
 #include <memory>
+#include <string>
+#include <string_view>
 #include <vector>
 
 #include "platform/linux/BusCallers.h"
@@ -28,6 +31,8 @@ private:
     /// What calls need that are under way.
     struct Serving {
         std::shared_ptr<BusObject> object;
+        std::string objectPath;
+        std::map<std::string, std::string> interfaceOfMember;  ///< not changed once calls arrive
         BusCallers callers;
         RequestQueue queue;
 
@@ -41,11 +46,12 @@ private:
                         const gchar* interfaceName, const gchar* member, GVariant* arguments,
                         GDBusMethodInvocation* invocation, gpointer serving);
 
+    static GDBusMessage* withInterface(GDBusMessage* message, const Serving& serving);
+
     void watchCallers();
     void registerInterfaces(std::string_view description);
 
     GlibHandle<GDBusConnection> connection_;
-    const char* objectPath_;
     SharedServing serving_ = std::make_shared<Serving>();
     std::vector<GlibHandle<GDBusNodeInfo>> descriptions_;
     std::vector<guint> registrations_;

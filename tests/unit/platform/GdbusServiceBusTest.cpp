@@ -185,6 +185,30 @@ TEST_F(GdbusServiceBusTest, MalformedCallsReachNobody) {
     EXPECT_EQ(errorOf("echo", "s", {"a"}).name(), kInvalidArguments);
 }
 
+TEST_F(GdbusServiceBusTest, InterfaceMayBeLeftOut) {
+    const GlibHandle<GDBusConnection> other(g_dbus_connection_new_for_address_sync(
+        daemon.address().c_str(),
+        static_cast<GDBusConnectionFlags>(G_DBUS_CONNECTION_FLAGS_AUTHENTICATION_CLIENT |
+                                          G_DBUS_CONNECTION_FLAGS_MESSAGE_BUS_CONNECTION),
+        nullptr, nullptr, nullptr));
+    ASSERT_NE(other, nullptr);
+    const auto replyTo = [&](const char* member) {
+        const GlibHandle<GDBusMessage> message(g_dbus_message_new_method_call(
+            address.busName.c_str(), address.objectPath.c_str(), nullptr, member));
+        g_dbus_message_set_body(message.get(), g_variant_new("(s)", "hello"));
+        return GlibHandle<GDBusMessage>(g_dbus_connection_send_message_with_reply_sync(
+            other.get(), message.get(), G_DBUS_SEND_MESSAGE_FLAGS_NONE, 20'000, nullptr, nullptr,
+            nullptr));
+    };
+    const auto known = replyTo("echo");
+    ASSERT_NE(known, nullptr);
+    EXPECT_EQ(g_dbus_message_get_message_type(known.get()), G_DBUS_MESSAGE_TYPE_METHOD_RETURN);
+    const auto unknown = replyTo("notThere");
+    ASSERT_NE(unknown, nullptr);
+    EXPECT_EQ(g_dbus_message_get_message_type(unknown.get()), G_DBUS_MESSAGE_TYPE_ERROR);
+    g_dbus_connection_close_sync(other.get(), nullptr, nullptr);
+}
+
 TEST_F(GdbusServiceBusTest, ErrorsReachTheCaller) {
     object->answers["refuse"] = [](const BusCall&) -> BusAnswer {
         throw BusError(BusFault::refused, "com.example.Error.No", "no \xFF");
