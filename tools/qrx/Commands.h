@@ -11,6 +11,7 @@ namespace qrx::tool {
 void addScanCommand(CLI::App& program, Job& job);
 void addExplainCommand(CLI::App& program, Job& job);
 void addMkcardCommand(CLI::App& program, Job& job);
+void addDrivesCommand(CLI::App& program, Job& job);
 void addHelpCommand(CLI::App& program, Job& job);
 
 /// --ffmpeg and --tool-limit.

@@ -148,6 +148,7 @@ int run(int argc, char** argv) {
     addScanCommand(program, job);
     addExplainCommand(program, job);
     addMkcardCommand(program, job);
+    addDrivesCommand(program, job);
     addHelpCommand(program, job);
     try {
         program.parse(argumentsFrom(argc, argv));
