@@ -33,7 +33,7 @@ CheckVerdict liesBelowStreamFolder(const QRXHDMediaVolumeUtilityObject&, Examine
 
 CheckVerdict standsInStreamFolder(const QRXHDMediaVolumeUtilityObject&, ExaminedPath& path) {
     // KEPT: the name is sought as it stands in a path made upper case, so a clip whose name has a
-    // small letter is never found. Hosts know such clips as loose movies.
+    // small letter is never found. Such a clip is left to the ffmpeg tool.
     return passesIf(contains(path.upperCased(), followedBy(kStreamFolder, path.fileName())));
 }
 

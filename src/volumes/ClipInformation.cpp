@@ -13,6 +13,7 @@ namespace qrx {
 namespace {
 
 // Values of the frames field, in decimal, that are not frames but flags and what stands on them.
+// KEPT: all from 30 to 40 mean no frames; hosts have always been told so.
 constexpr std::int32_t kFirstFlaggedFrames = 30;
 constexpr std::int32_t kFlag = 40;
 constexpr std::size_t kFramesPosition = 9;

@@ -9,7 +9,8 @@ namespace qrx {
 ///     <card>/PRIVATE/AVCHD/BDMV/STREAM/00001.MTS     one clip
 ///     <card>/PRIVATE/AVCHD/CANON/                    what tells the card from the other makers'
 ///
-/// Recognised by the path and by that folder. The drive test does not look for it.
+/// Recognised by the path and by that folder. KEPT: the drive test does not look for it, so that a
+/// formatted card, which has none yet, passes.
 class QRXCanonAVCHDUtility : public QRXAVCHDUtility {
 public:
     [[nodiscard]] static std::unique_ptr<QRXCanonAVCHDUtility> utility();

@@ -23,8 +23,8 @@ public:
     /// The volume type of this class and of the generic parents: no defined volume.
     static constexpr std::uint64_t kNoDefinedVolume = 16;
 
-    /// A new base object, whatever class it is called through: a class that offers its factory as
-    /// `utility` alone therefore gives a base object here.
+    /// KEPT: a new base object, whatever class it is called through: a class that offers its
+    /// factory as `utility` alone gives a base object here. Hosts tell the two names apart.
     [[nodiscard]] static std::unique_ptr<QRXHDMediaVolumeUtilityObject> volumeUtility();
     /// The process-wide object of this class, made on first use and never destroyed.
     [[nodiscard]] static QRXHDMediaVolumeUtilityObject& sharedInstance();

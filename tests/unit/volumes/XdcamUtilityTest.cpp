@@ -106,10 +106,9 @@ TEST_F(XdcamClip, RateIsTheTablesWithoutAFormatRate) {
 }
 
 TEST_F(XdcamClip, BaseAnswersWhereTheSidecarIsMissingOrSaysNothing) {
-    const std::vector<std::string> mute{"", "<r/>",
-                                        "<r><LtcChange frameCount=\"0\" value=\"1\" "
-                                        "status=\"increment\"/></r>",
-                                        std::string(64, '\xFF'), "no XML"};
+    const std::vector<std::string> mute{
+        "", "<r/>", R"(<r><LtcChange frameCount="0" value="1" status="increment"/></r>)",
+        std::string(64, '\xFF'), "no XML"};
     for (const std::string& xml : mute) {
         SCOPED_TRACE(xml.substr(0, 20));
         writeSidecar(xml);
