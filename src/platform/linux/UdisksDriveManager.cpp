@@ -68,9 +68,9 @@ std::string blockObject(GDBusConnection* bus, const std::string& device) {
     GVariantBuilder wanted;
     g_variant_builder_init(&wanted, G_VARIANT_TYPE_VARDICT);
     g_variant_builder_add(&wanted, "{sv}", "path", path);
-    const Value answer = answerOf(
-        bus, kManager, kManagerInterface, "ResolveDevice",
-        g_variant_new("(@a{sv}@a{sv})", g_variant_builder_end(&wanted), noOptions()));
+    const Value answer =
+        answerOf(bus, kManager, kManagerInterface, "ResolveDevice",
+                 g_variant_new("(@a{sv}@a{sv})", g_variant_builder_end(&wanted), noOptions()));
     if (!answer || !g_variant_is_of_type(answer.get(), G_VARIANT_TYPE("(ao)"))) return {};
     const Value objects(g_variant_get_child_value(answer.get(), 0));
     if (g_variant_n_children(objects.get()) == 0) return {};
