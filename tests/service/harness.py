@@ -85,7 +85,8 @@ class Client:
         self.connection = Gio.DBusConnection.new_for_address_sync(address, flags, None, None)
 
     def close(self):
-        self.connection.close_sync(None)
+        if not self.connection.is_closed():
+            self.connection.close_sync(None)
 
     def call(self, destination, interface, member, arguments=None, limit=20 * SECONDS):
         """The results as Python values."""
@@ -118,7 +119,6 @@ class ServiceTest(unittest.TestCase):
             ["dbus-daemon", "--config-file=" + self.path("bus.conf"), "--nofork", "--nopidfile",
              "--print-address=1"], stdout=subprocess.PIPE, stderr=subprocess.DEVNULL)
         self.address = self.bus.stdout.readline().decode().strip()
-        self.bus.stdout.close()
         self.assertTrue(self.address, "dbus-daemon did not start")
         self.client = self.new_client()
 
@@ -168,6 +168,9 @@ class ServiceTest(unittest.TestCase):
         if process.poll() is None:
             process.kill()
         process.wait()
+        for pipe in (process.stdin, process.stdout, process.stderr):
+            if pipe is not None:
+                pipe.close()
 
     def start_host(self, name="Quillfen"):
         """A process whose display name is `name`."""

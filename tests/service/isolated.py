@@ -6,6 +6,7 @@ sees only the hosts that it started itself, so that tests may run side by side, 
 leaves behind ends with it. Where the system allows no namespaces the module runs as it is.
 
     isolated.py MODULE.py
+    isolated.py --check      # exit status 0 where there are namespaces
 """
 
 import os
@@ -25,14 +26,16 @@ def works(command):
 
 
 def main():
+    if sys.argv[1] == "--check":
+        return 0 if works(AS_ROOT) or works(AS_USER) else 1
     module = [sys.executable, sys.argv[1], "-v", *sys.argv[2:]]
     for command in (AS_ROOT, AS_USER):
         if works(command):
             # A shell is process 1: it reaps what is orphaned.
             os.execvp(command[0], [*command, "sh", "-c", '"$@"; exit $?', "sh", *module])
     print("no namespaces here: other hosts of this user are seen too", file=sys.stderr)
-    os.execv(sys.executable, module)
+    return os.execv(sys.executable, module)
 
 
 if __name__ == "__main__":
-    main()
+    sys.exit(main())
