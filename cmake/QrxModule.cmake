@@ -15,7 +15,9 @@ function(qrx_add_module name)
   if(ARG_SOURCES)
     add_library(${target} STATIC ${ARG_SOURCES})
     set(scope PUBLIC)
-    target_link_libraries(${target} PRIVATE ${ARG_LINK})
+    # Public, so that an adapter's own headers compile by themselves; that nobody else includes the
+    # foreign library is for the layering test to see.
+    target_link_libraries(${target} PUBLIC ${ARG_LINK})
   else()
     add_library(${target} INTERFACE)
     set(scope INTERFACE)
