@@ -12,6 +12,7 @@ void addScanCommand(CLI::App& program, Job& job);
 void addExplainCommand(CLI::App& program, Job& job);
 void addMkcardCommand(CLI::App& program, Job& job);
 void addDrivesCommand(CLI::App& program, Job& job);
+void addInfoCommand(CLI::App& program, Job& job);
 void addHelpCommand(CLI::App& program, Job& job);
 
 /// --ffmpeg and --tool-limit.

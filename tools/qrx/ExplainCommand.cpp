@@ -6,7 +6,6 @@
 #include <fmt/core.h>
 #include <nlohmann/json.hpp>
 
-#include "foundation/FileQuestions.h"
 #include "qrx/Commands.h"
 #include "qrx/JsonText.h"
 #include "qrx/Names.h"
@@ -112,13 +111,6 @@ nlohmann::ordered_json explanationJson(const Explanation& explanation) {
     return record;
 }
 
-/// Why the file cannot be explained; nothing when it can.
-std::optional<std::string> whyNotExplained(const FilePath& file) {
-    if (auto why = whyMissing(file)) return why;
-    if (folderExists(file)) return "is a folder; name the files in it";
-    return std::nullopt;
-}
-
 int explain(const ExplainOptions& options, Session& session) {
     reportToolProblems(session.console);
     const bool asJson = options.format == "json";
@@ -127,7 +119,7 @@ int explain(const ExplainOptions& options, Session& session) {
     std::string between;
     for (const std::string& argument : options.files) {
         const FilePath file = absolutePath(argument);
-        if (const auto why = whyNotExplained(file)) {
+        if (const auto why = whyNoFile(file)) {
             session.console.say((argument.empty() ? "''" : shown(argument)) + ": " + *why);
             status = kTrouble;
             continue;

@@ -61,6 +61,12 @@ std::optional<std::string> whyMissing(const std::string& path) {
     return std::generic_category().message(errno);
 }
 
+std::optional<std::string> whyNoFile(const std::string& path) {
+    if (auto why = whyMissing(path)) return why;
+    if (folderExists(path)) return "is a folder; name the files in it";
+    return std::nullopt;
+}
+
 std::optional<std::string> NameReader::next() {
     while (true) {
         const std::size_t end = pending_.find(separator_);

@@ -15,6 +15,9 @@ namespace qrx::tool {
 /// Why there is nothing to look at, as a phrase for a message; nothing where something exists.
 [[nodiscard]] std::optional<std::string> whyMissing(const std::string& path);
 
+/// Why there is no file to ask about, as a phrase for a message: nothing exists there, or a folder.
+[[nodiscard]] std::optional<std::string> whyNoFile(const std::string& path);
+
 /// Reads names that end in a separator; the last one need not. Empty names are passed over.
 class NameReader {
 public:

@@ -149,6 +149,7 @@ int run(int argc, char** argv) {
     addExplainCommand(program, job);
     addMkcardCommand(program, job);
     addDrivesCommand(program, job);
+    addInfoCommand(program, job);
     addHelpCommand(program, job);
     try {
         program.parse(argumentsFrom(argc, argv));

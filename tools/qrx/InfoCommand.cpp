@@ -1,0 +1,261 @@
+#include <algorithm>
+#include <array>
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <fmt/core.h>
+#include <nlohmann/json.hpp>
+
+#include "foundation/Text.h"
+#include "qrx/Commands.h"
+#include "qrx/JsonText.h"
+#include "qrx/Names.h"
+#include "qrx/ShownText.h"
+#include "qrx/ToolReports.h"
+#include "timecode/QRXTimecodeUtility.h"
+#include "volumes/QRXHDMediaVolumeAggregate.h"
+
+namespace qrx::tool {
+
+namespace {
+
+constexpr const char* kFooter = R"(
+Tells everything that the layout of a clip knows about it. What it does not know
+is "-" in text and null in JSON. The number behind the name of a frame rate is
+the one that is stored and exchanged with other programs.
+
+Exit status: 0 every file is a clip and was told; 1 a file is missing, or no
+layout claims it (it is named on standard error); 2 wrong usage; 130 after Ctrl-C.
+
+Examples:
+  qrx info /media/me/CARD/CONTENTS/VIDEO/0001AB.MXF
+  qrx info --format json *.mov)";
+
+struct InfoOptions {
+    std::vector<std::string> files;
+    std::string format = "text";
+};
+
+struct FoundValue {
+    std::string identifier;
+    std::string description;
+    std::string value;
+};
+
+/// What the utility of a clip answers about it.
+struct ClipInfo {
+    FilePath file;
+    std::string volumeTitle;
+    std::uint64_t volumeType = 0;
+    QRXVideoFrameRate frameRate = QRXVideoFrameRateUndefined;
+    std::optional<std::string> uniqueIdentifier;
+    std::string startTimecode;
+    std::optional<std::string> endTimecode;
+    bool isDropFrame = false;
+    std::optional<FilePath> sidecar;
+    std::optional<FilePaths> audioFiles;
+    bool isSpanned = false;
+    std::optional<std::string> spanKey;
+    std::string volumeKey;
+    std::vector<FoundValue> metadata;
+};
+
+std::string rateName(QRXVideoFrameRate rate) {
+    static constexpr std::array kNames{"24", "23.976", "PAL", "25", "50i",      "29.97",
+                                       "30", "59.94i", "50p", "60", "undefined"};
+    static_assert(kNames.size() == QRXVideoFrameRateUndefined + 1);
+    return rate < kNames.size() ? kNames.at(rate) : "undefined";
+}
+
+std::vector<FoundValue> foundValues(const QRXMetadataWrapper& wrapper) {
+    std::vector<FoundValue> found;
+    for (const auto& key : wrapper.metadataKeys()) {
+        auto value = key->keyValue();
+        if (!value || *value == QRXMediaMetadataNotFound) continue;
+        found.push_back({.identifier = key->keyIdentifier().value_or(""),
+                         .description = key->keyDescription().value_or(""),
+                         .value = std::move(*value)});
+    }
+    return found;
+}
+
+ClipInfo infoOf(const FilePath& file, const QRXHDMediaVolumeUtilityObject& utility) {
+    return {
+        .file = file,
+        .volumeTitle = utility.volumeTitle(),
+        .volumeType = utility.volumeType(),
+        .frameRate = utility.framerateForVideoFile(file),
+        .uniqueIdentifier = utility.uniqueIdentifierForVideoFile(file),
+        .startTimecode = utility.startTimecodeForVideoFile(file),
+        .endTimecode = utility.endTimecodeForVideoFile(file),
+        .isDropFrame = utility.videoFileIsDropFrame(file),
+        .sidecar = utility.metadataFilePathForVideoFile(file),
+        .audioFiles = utility.audioFilesForVideoFile(file),
+        .isSpanned = utility.fileIsInASpannedSeries(file),
+        .spanKey = utility.spanPartnerIdentifierForPath(file),
+        .volumeKey = utility.volumePartnerIdentifierForFilePath(file),
+        .metadata = foundValues(utility.metadataWrapperForVideoFilePath(file)),
+    };
+}
+
+// ---- as text
+
+constexpr std::size_t kLabelColumns = 16;
+
+std::string line(std::string_view label, const std::optional<std::string>& value) {
+    const std::string text = value && !value->empty() ? shown(*value) : "-";
+    return fmt::format("  {:<{}}{}\n", label, kLabelColumns, text);
+}
+
+std::string audioLines(const std::optional<FilePaths>& files) {
+    if (!files || files->empty()) return line("audio files", std::nullopt);
+    std::string text;
+    std::string_view label = "audio files";
+    for (const FilePath& file : *files) {
+        text += line(std::exchange(label, ""), file);
+    }
+    return text;
+}
+
+std::string metadataLines(const std::vector<FoundValue>& metadata) {
+    if (metadata.empty()) return line("metadata", std::nullopt);
+    std::size_t columns = 0;
+    for (const FoundValue& each : metadata) {
+        columns = std::max(columns, ShownText(each.description).columns());
+    }
+    std::string text = "  metadata\n";
+    for (const FoundValue& each : metadata) {
+        const ShownText description(each.description);
+        text += "    " + description.text() +
+                std::string(columns - description.columns() + 2, ' ') + shown(each.value) + "\n";
+    }
+    return text;
+}
+
+std::string infoText(const ClipInfo& info) {
+    return shown(info.file) + "\n" +
+           line("layout", fmt::format("{} ({})", info.volumeTitle, info.volumeType)) +
+           line("frame rate", fmt::format("{} ({})", rateName(info.frameRate),
+                                          static_cast<std::uint64_t>(info.frameRate))) +
+           line("unique id", info.uniqueIdentifier) + line("start timecode", info.startTimecode) +
+           line("end timecode", info.endTimecode) +
+           line("drop frame", info.isDropFrame ? "yes" : "no") + line("sidecar", info.sidecar) +
+           audioLines(info.audioFiles) + line("spanned", info.isSpanned ? "yes" : "no") +
+           line("span key", info.spanKey) + line("volume key", info.volumeKey) +
+           metadataLines(info.metadata);
+}
+
+// ---- as JSON
+
+using Json = nlohmann::ordered_json;
+
+Json textJson(const std::optional<std::string>& text) {
+    if (!text) return nullptr;
+    return isUtf8(*text) ? *text : shown(*text);
+}
+
+Json pathJson(const FilePath& path) {
+    Json record;
+    addPath(record, path);
+    return record;
+}
+
+Json metadataJson(const std::vector<FoundValue>& metadata) {
+    auto all = Json::array();
+    for (const FoundValue& each : metadata) {
+        Json record;
+        record["identifier"] = textJson(each.identifier);
+        record["description"] = textJson(each.description);
+        record["value"] = textJson(each.value);
+        all.push_back(std::move(record));
+    }
+    return all;
+}
+
+Json infoJson(const ClipInfo& info) {
+    Json record = pathJson(info.file);
+    record["volumeTitle"] = info.volumeTitle;
+    record["volumeType"] = info.volumeType;
+    record["frameRate"]["name"] = rateName(info.frameRate);
+    record["frameRate"]["number"] = static_cast<std::uint64_t>(info.frameRate);
+    record["uniqueIdentifier"] = textJson(info.uniqueIdentifier);
+    record["startTimecode"] = textJson(info.startTimecode);
+    record["endTimecode"] = textJson(info.endTimecode);
+    record["dropFrame"] = info.isDropFrame;
+    record["sidecar"] = info.sidecar ? pathJson(*info.sidecar) : Json();
+    record["audioFiles"] = nullptr;
+    if (info.audioFiles) {
+        record["audioFiles"] = Json::array();
+        for (const FilePath& file : *info.audioFiles) {
+            record["audioFiles"].push_back(pathJson(file));
+        }
+    }
+    record["spanned"] = info.isSpanned;
+    record["spanKey"] = textJson(info.spanKey);
+    record["volumeKey"] = textJson(info.volumeKey);
+    record["metadata"] = metadataJson(info.metadata);
+    return record;
+}
+
+// ---- the command
+
+int tell(const InfoOptions& options, Session& session) {
+    reportToolProblems(session.console);
+    const bool asJson = options.format == "json";
+    auto all = Json::array();
+    int status = kDone;
+    std::string between;
+    const auto complain = [&](const std::string& argument, const std::string& why) {
+        session.console.say((argument.empty() ? "''" : shown(argument)) + ": " + why);
+        status = kTrouble;
+    };
+    for (const std::string& argument : options.files) {
+        const FilePath file = absolutePath(argument);
+        if (const auto why = whyNoFile(file)) {
+            complain(argument, *why);
+            continue;
+        }
+        const auto& utility =
+            QRXHDMediaVolumeAggregate::sharedInstance().utilityForFileAtPath(file);
+        const bool isClip = utility.volumeType() != QRXHDMediaVolumeUtilityObject::kNoDefinedVolume;
+        if (!isClip && !session.isCancelled) {
+            complain(argument, "no layout claims it (qrx explain says why)");
+            continue;
+        }
+        if (session.isCancelled) return kTrouble;
+        const ClipInfo info = infoOf(file, utility);
+        if (session.isCancelled) return kTrouble;
+        if (asJson) {
+            all.push_back(infoJson(info));
+        } else {
+            session.output.write(std::exchange(between, "\n") + infoText(info));
+        }
+    }
+    constexpr int kIndent = 2;
+    if (asJson) session.output.write(jsonText(all, kIndent) + "\n");
+    return status;
+}
+
+}  // namespace
+
+void addInfoCommand(CLI::App& program, Job& job) {
+    auto options = std::make_shared<InfoOptions>();
+    auto tools = std::make_shared<ToolOptions>();
+    CLI::App& command = *program.add_subcommand("info", "Tell all that is known about a clip");
+    command.add_option("FILE", options->files, "The clips")->required();
+    command.add_option("-f,--format", options->format, "How it is written")
+        ->type_name("text|json")
+        ->capture_default_str()
+        ->check(CLI::IsMember({"text", "json"}).description(""));
+    addToolOptions(command, *tools);
+    command.footer(kFooter);
+    command.callback([options, tools, &job] {
+        job.tools = *tools;
+        job.run = [options](Session& session) { return tell(*options, session); };
+    });
+}
+
+}  // namespace qrx::tool
