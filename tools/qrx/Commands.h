@@ -1,5 +1,7 @@
 #pragma once
 
+#include <string>
+
 #include <CLI/CLI.hpp>
 
 #include "qrx/Session.h"
@@ -13,7 +15,11 @@ void addExplainCommand(CLI::App& program, Job& job);
 void addMkcardCommand(CLI::App& program, Job& job);
 void addDrivesCommand(CLI::App& program, Job& job);
 void addInfoCommand(CLI::App& program, Job& job);
+void addCallCommand(CLI::App& program, Job& job);
 void addHelpCommand(CLI::App& program, Job& job);
+
+/// Empty when the text is a number of seconds that can be waited for, else what is wrong with it.
+[[nodiscard]] std::string whyNoDuration(const std::string& text);
 
 /// --ffmpeg and --tool-limit.
 void addToolOptions(CLI::App& command, ToolOptions& options);

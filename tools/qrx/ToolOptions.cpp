@@ -2,9 +2,6 @@
 
 namespace qrx::tool {
 
-namespace {
-
-/// Empty when the text is a number of seconds that can be waited for.
 std::string whyNoDuration(const std::string& text) {
     constexpr double kMostSeconds = 1e6;
     double seconds = -1;
@@ -12,8 +9,6 @@ std::string whyNoDuration(const std::string& text) {
     if (isNumber && seconds >= 0 && seconds <= kMostSeconds) return {};
     return text + " is no number of seconds from 0 to 1000000";
 }
-
-}  // namespace
 
 void addToolOptions(CLI::App& command, ToolOptions& options) {
     command

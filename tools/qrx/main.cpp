@@ -150,6 +150,7 @@ int run(int argc, char** argv) {
     addMkcardCommand(program, job);
     addDrivesCommand(program, job);
     addInfoCommand(program, job);
+    addCallCommand(program, job);
     addHelpCommand(program, job);
     try {
         program.parse(argumentsFrom(argc, argv));
