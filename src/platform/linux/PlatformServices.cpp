@@ -7,6 +7,7 @@
 #include "platform/linux/GlibMainThread.h"
 #include "platform/linux/LibxmlParser.h"
 #include "platform/linux/PixbufImageCodec.h"
+#include "platform/linux/PlistPropertyList.h"
 #include "platform/linux/PosixProcessRunner.h"
 #include "platform/linux/ProcMountTable.h"
 #include "platform/linux/ProcRunningApplications.h"
@@ -36,6 +37,7 @@ void installPlatformServices(const PlatformOptions& options) {
     inForce.driveManager = std::make_shared<UdisksDriveManager>();
     inForce.imageCodec = std::make_shared<PixbufImageCodec>();
     inForce.xmlParser = std::make_shared<LibxmlParser>();
+    inForce.propertyLists = std::make_shared<PlistPropertyList>();
     inForce.runningApplications = std::make_shared<ProcRunningApplications>(options.systemRoot);
     inForce.serviceBus = std::make_shared<GdbusServiceBus>(
         "", [mainThread = inForce.mainThread] { mainThread->terminate(); });

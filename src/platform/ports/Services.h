@@ -14,6 +14,7 @@
 #include "platform/ports/MainThread.h"
 #include "platform/ports/MountTable.h"
 #include "platform/ports/ProcessRunner.h"
+#include "platform/ports/PropertyList.h"
 #include "platform/ports/RunningApplications.h"
 #include "platform/ports/ServiceBus.h"
 #include "platform/ports/SystemLog.h"
@@ -40,6 +41,7 @@ struct Services {
     std::shared_ptr<VolumeIdentity> volumeIdentity;
     std::shared_ptr<DriveManager> driveManager;
     std::shared_ptr<XmlParser> xmlParser;
+    std::shared_ptr<PropertyListCodec> propertyLists;
     /// Path of the ffmpeg tool that the host chose; empty when it chose none.
     std::string ffmpegPath;
     /// The program's resource folder, absolute, no trailing "/".
@@ -94,6 +96,9 @@ template <class Port>
 }
 [[nodiscard]] inline XmlParser& xmlParser() {
     return detail::inForce(services().xmlParser, "XmlParser");
+}
+[[nodiscard]] inline PropertyListCodec& propertyLists() {
+    return detail::inForce(services().propertyLists, "PropertyListCodec");
 }
 [[nodiscard]] inline ImageCodec& imageCodec() {
     return detail::inForce(services().imageCodec, "ImageCodec");
