@@ -150,7 +150,9 @@ int run(int argc, char** argv) {
     addMkcardCommand(program, job);
     addDrivesCommand(program, job);
     addInfoCommand(program, job);
+    addSeriesCommand(program, job);
     addCallCommand(program, job);
+    addOrderCommand(program, job);
     addHelpCommand(program, job);
     try {
         program.parse(argumentsFrom(argc, argv));
