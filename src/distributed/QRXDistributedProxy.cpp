@@ -6,7 +6,6 @@
 
 namespace qrx {
 
-using platform::BusValue;
 using platform::BusValues;
 
 namespace {

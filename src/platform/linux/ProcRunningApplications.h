@@ -20,8 +20,9 @@ namespace qrx::platform {
 class ProcRunningApplications final : public RunningApplications {
 public:
     /// `root` is the folder that holds `proc`: "/" in production. `user` owns the processes told.
-    explicit ProcRunningApplications(std::filesystem::path root = "/", uid_t user = ::getuid())
-        : proc_(std::move(root) / "proc"), user_(user) {}
+    explicit ProcRunningApplications(const std::filesystem::path& root = "/",
+                                     uid_t user = ::getuid())
+        : proc_(root / "proc"), user_(user) {}
 
     [[nodiscard]] std::vector<RunningApplication> applications() const override;
     [[nodiscard]] std::int32_t currentProcessIdentifier() const override { return ::getpid(); }

@@ -230,7 +230,7 @@ void VendedObject::receive(GDBusConnection*, const gchar* sender, const gchar*,
     served->serve(std::make_shared<Invocation>(invocation, std::move(call)));
 }
 
-void VendedObject::Serving::serve(std::shared_ptr<Invocation> invocation) {
+void VendedObject::Serving::serve(const std::shared_ptr<Invocation>& invocation) {
     const BusCall& call = invocation->call();
     auto perform = [served = object, invocation] { invocation->perform(*served); };
     if (object->servedOn(call.interfaceName, call.member) == ServedOn::mainThread) {

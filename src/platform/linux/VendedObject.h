@@ -36,7 +36,7 @@ private:
         BusCallers callers;
         RequestQueue queue;
 
-        void serve(std::shared_ptr<Invocation> invocation);
+        void serve(const std::shared_ptr<Invocation>& invocation);
     };
     using SharedServing = std::shared_ptr<Serving>;
 

@@ -169,7 +169,7 @@ protected:
     }
     ~ClipStreamTest() override { ::close(ends[0]); }
 
-    [[nodiscard]] BusCall request(FilePaths locations, Dictionary options = {}) {
+    [[nodiscard]] BusCall request(const FilePaths& locations, Dictionary options = {}) {
         List list;
         for (const FilePath& one : locations)
             list.emplace_back(BusBytes{one});
