@@ -23,6 +23,7 @@ function(qrx_add_test name)
   gtest_discover_tests(
     ${name}
     TEST_PREFIX "${name}."
+    NO_PRETTY_VALUES
     DISCOVERY_TIMEOUT 60
     PROPERTIES TIMEOUT ${ARG_TIMEOUT} LABELS "${ARG_LABELS}")
 endfunction()
