@@ -138,6 +138,27 @@ TEST_F(ServiceTest, CancelledRunTellsWhatItHasFound) {
         2U);
 }
 
+TEST_F(ServiceTest, SelfTestAsksAboutOneFixedFolderAndDropsTheAnswer) {
+    class Recording : public Controller {
+    public:
+        using Controller::filePathDictionariesForAllHDFilesAtFileSystemLocations;
+        [[nodiscard]] std::vector<PathDictionary>
+        filePathDictionariesForAllHDFilesAtFileSystemLocations(
+            const FilePaths& locations) const override {
+            asked.push_back(locations);
+            return Controller::filePathDictionariesForAllHDFilesAtFileSystemLocations(
+                {answered.path()});
+        }
+        mutable std::vector<FilePaths> asked;
+        const test::CardTree answered{"AVCHD/BDMV/STREAM/00000.MTS"};
+    } recording;
+    recording.autoTest();
+    recording.autoTest();
+    ASSERT_EQ(recording.asked.size(), 2U);
+    EXPECT_EQ(recording.asked[0].size(), 1U);
+    EXPECT_EQ(recording.asked[0], recording.asked[1]);
+}
+
 TEST_F(ServiceTest, ProxyAsksBothProtocols) {
     controller.awakeFromNib();
     QRXHDFileMatcherProxy proxy(QRXDistributedProxy(bus->rootProxy("Cards").value()));
