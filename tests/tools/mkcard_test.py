@@ -14,6 +14,32 @@ LAYOUTS = {
     "panasonic-avchd": ("Panasonic AVCHD", "PRIVATE/AVCHD"),
 }
 
+# Title, and where a card of two clips has them.
+CAMERAS = {
+    "p2": ("Panasonic P2", ["CONTENTS/VIDEO/0001AB.MXF", "CONTENTS/VIDEO/0002AB.MXF"]),
+    "xdcam-hd": ("Sony XDCAM HD", ["Clip/C0001.MXF", "Clip/C0002.MXF"]),
+    "xdcam-ex": ("Sony XDCAM EX", ["BPAV/CLPR/632_0001_01/632_0001_01.MP4",
+                                   "BPAV/CLPR/632_0002_01/632_0002_01.MP4"]),
+    "jvc-mp4": ("JVC-MP4", ["PRIVATE/JVC/BPAV/CLPR/ABCD0001_01/ABCD0001_01.MP4",
+                            "PRIVATE/JVC/BPAV/CLPR/ABCD0002_01/ABCD0002_01.MP4"]),
+    "canon-xf": ("Canon XF", ["CONTENTS/CLIPS001/AA0001/AA000101.MXF",
+                              "CONTENTS/CLIPS001/AA0002/AA000201.MXF"]),
+    "canon-eos": ("Canon EOS", ["DCIM/100CANON/MVI_0001.MOV", "DCIM/100CANON/MVI_0002.MOV"]),
+    "gopro": ("GoPro", ["DCIM/100GOPRO/GOPR0001.MP4", "DCIM/100GOPRO/GOPR0002.MP4"]),
+    "red-one": ("RED One", ["A001.RDM/A001_C001_0503AB.RDC/A001_C001_0503AB_F.mov",
+                            "A001.RDM/A001_C002_0503AB.RDC/A001_C002_0503AB_F.mov"]),
+    "jvc-qt": ("JVC-QuickTime", ["PRIVATE/JVC/CQAV/CLIP/ABCD0001_01.MOV",
+                                 "PRIVATE/JVC/CQAV/CLIP/ABCD0002_01.MOV"]),
+}
+
+# Sounds and proxies beside the clips, which are media of their own wherever they lie.
+COMPANIONS = {
+    "p2": ["CONTENTS/AUDIO/0001AB00.MXF", "CONTENTS/AUDIO/0001AB01.MXF",
+           "CONTENTS/AUDIO/0002AB00.MXF", "CONTENTS/AUDIO/0002AB01.MXF"],
+    "xdcam-hd": ["Sub/C0001S01.MXF", "Sub/C0002S01.MXF"],
+    "gopro": ["DCIM/100GOPRO/GOPR0001.LRV", "DCIM/100GOPRO/GOPR0002.LRV"],
+}
+
 
 class Mkcard(qrx_case.QrxCase):
     def setUp(self):
@@ -126,6 +152,33 @@ class Avchd(Mkcard):
         self.assertEqual(self.streams(clip), ["mpeg2video", "mp2"])
 
 
+class Cameras(Mkcard):
+    def test_scan_finds_the_clips_of_each_layout_and_nothing_unexpected(self):
+        for layout, (title, places) in CAMERAS.items():
+            with self.subTest(layout):
+                self.make(layout, layout, "--clips", "2")
+                found = {os.path.relpath(clip["filePath"], self.folder / layout):
+                         clip["volumeTitle"] for clip in self.scan(layout)[0]}
+                companions = {place: found.get(place) for place in COMPANIONS.get(layout, [])}
+                self.assertLessEqual(set(companions.values()), {"MXF", "General Movies"})
+                self.assertEqual(found, {**dict.fromkeys(places, title), **companions})
+
+    def test_clips_have_picture_and_sound(self):
+        for layout, (_, places) in CAMERAS.items():
+            with self.subTest(layout):
+                self.make(layout, layout, "--clips", "1")
+                streams = self.streams(self.folder / layout / places[0])
+                self.assertEqual(len(streams), 1 if layout == "p2" else 2)
+        sound = self.folder / "p2/CONTENTS/AUDIO/0001AB00.MXF"
+        self.assertEqual(self.streams(sound), ["pcm_s16le"])
+
+    def test_card_in_a_folder_with_an_odd_name(self):
+        for layout in ("p2", "gopro"):
+            with self.subTest(layout):
+                self.make(layout, "--clips", "2", "--", f"-{layout} 100%d [x]")
+                self.assertGreater(len(self.paths("--", f"-{layout} 100%d [x]")), 2)
+
+
 class Loose(Mkcard):
     def test_movies_are_found_and_the_rest_is_not(self):
         self.make("loose", "x")
@@ -156,11 +209,14 @@ class All(Mkcard):
         self.assertEqual(layouts.pop(), "all")
         self.assertEqual(sorted(os.listdir(self.folder / "cards")), sorted(layouts))
         self.assertEqual(len(done.stdout.splitlines()), len(layouts))
-        titles = {os.path.relpath(c["filePath"], self.folder / "cards").split("/")[0]:
-                  c["volumeTitle"] for c in self.scan("cards")[0]}
-        for layout, (title, _) in LAYOUTS.items():
-            self.assertEqual(titles[layout], title)
-        self.assertEqual(titles["loose"], "General Movies")
+        titles = {}
+        for clip in self.scan("cards")[0]:
+            layout = os.path.relpath(clip["filePath"], self.folder / "cards").split("/")[0]
+            titles.setdefault(layout, set()).add(clip["volumeTitle"])
+        self.assertEqual(sorted(titles), sorted(layouts))
+        for layout, (title, _) in {**LAYOUTS, **CAMERAS}.items():
+            self.assertIn(title, titles[layout])
+        self.assertEqual(titles["loose"], {"General Movies"})
 
 
 class Folder(Mkcard):

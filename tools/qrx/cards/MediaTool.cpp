@@ -68,6 +68,15 @@ void MediaTool::makeMovie(const std::vector<std::string>& options, const std::st
     (void)output(arguments);
 }
 
+void MediaTool::rewrap(const std::string& from, const std::vector<std::string>& options,
+                       const std::string& path) const {
+    std::vector<std::string> arguments{"-hide_banner", "-nostdin", "-loglevel", "error", "-n"};
+    append(arguments, {"-i", from, "-c", "copy"});
+    arguments.insert(arguments.end(), options.begin(), options.end());
+    arguments.push_back(path);
+    (void)output(arguments);
+}
+
 void MediaTool::makeStill(const std::vector<std::string>& options, const std::string& path) const {
     std::vector<std::string> arguments{"-hide_banner", "-nostdin", "-loglevel", "error", "-n"};
     append(arguments, {"-f", "lavfi", "-i", "smptehdbars=size=640x360", "-frames:v", "1"});

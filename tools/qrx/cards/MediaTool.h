@@ -19,6 +19,9 @@ public:
     /// Encodes picture and sound into a new file at `path`.
     /// @param options  what stands before the path: codecs, container.
     void makeMovie(const std::vector<std::string>& options, const std::string& path) const;
+    /// Writes the tracks of the file at `from` into a new file at `path`, as they are.
+    void rewrap(const std::string& from, const std::vector<std::string>& options,
+                const std::string& path) const;
     /// Encodes a single picture.
     void makeStill(const std::vector<std::string>& options, const std::string& path) const;
 
