@@ -59,10 +59,12 @@ class Call(qrx_case.QrxCase):
 
     def start_service(self, name="Cards"):
         """With a bus and a host, once it answers."""
-        self.start_bus()
         host = self.folder / "Quillfen"
-        shutil.copy("/bin/sleep", host)
-        self.launch(str(host), "1000")
+        if not host.exists():
+            shutil.copy("/bin/sleep", host)
+            self.launch(str(host), "1000")
+        if self.address == NOWHERE:
+            self.start_bus()
         service = self.launch(str(BUNDLE / "Contents/MacOS/QRXHDFileMatcher"), name)
         self.wait_until(lambda: self.answers(name), "the service's first answer")
         return service
@@ -146,9 +148,11 @@ class Call(qrx_case.QrxCase):
             ("", "qrx: no service runs under the name 'Cards'\n"))
 
     def test_names_with_odd_characters(self):
-        name = "Cards & more/\u00e9"
-        service = self.start_service(name)
-        self.assertEqual(self.call(name, "pid")[0], f"{service.pid}\n")
+        self.start_bus()
+        for name in ("Cards & more/\u00e9", "[Cards]", "[a,b]", "pid", "", "long" * 100):
+            with self.subTest(name):
+                service = self.start_service(name)
+                self.assertEqual(self.call(name, "pid")[0], f"{service.pid}\n")
 
     # -- no answer --------------------------------------------------------------------------
 

@@ -3,6 +3,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <fmt/core.h>
@@ -165,7 +166,14 @@ int ask(const CallOptions& options, Session& session) {
     return kTrouble;
 }
 
-/// Every question with how it counts its paths.
+/// The name as it was typed: one that begins with "[" has been taken for a path by then.
+std::string connectionName(const std::string& argument) {
+    constexpr std::string_view kPathMark = "./";
+    const bool isMarked = argument.starts_with("./[");
+    return isMarked ? argument.substr(kPathMark.size()) : argument;
+}
+
+/// Throws where a question has too many or too few paths.
 void checkPaths(const CallOptions& options) {
     const std::size_t count = options.paths.size();
     if (options.question == "files") {
@@ -198,6 +206,7 @@ void addCallCommand(CLI::App& program, Job& job) {
         ->check(CLI::Validator(whyNoDuration, ""));
     command.footer(kFooter);
     command.callback([options, &job] {
+        options->name = connectionName(options->name);
         checkPaths(*options);
         job.run = [options](Session& session) { return ask(*options, session); };
     });
