@@ -19,6 +19,6 @@ void makeGoProCard(NewCard& card, const MediaTool& media, unsigned clips);
 void makeRedOneCard(NewCard& card, const MediaTool& media, unsigned clips);
 /// PRIVATE/JVC/CQAV/CLIP/ABCD0001_01.MOV, INFO/ABCD0001_01.XML, and the list of the clips in
 /// MEDIAINF.XML and .BAK. Of four clips or more, the last three are pieces of one recording.
-void makeJvcQtCard(NewCard& card, const MediaTool& media, unsigned clips);
+void makeJvcQtCard(NewCard& card, const MediaTool& media, unsigned count);
 
 }  // namespace qrx::tool

@@ -16,6 +16,6 @@ inline constexpr unsigned kMostP2Clips = 999;
 ///     CONTENTS/ICON/0001AB.BMP         80 x 60 pixels
 ///
 /// Of four clips or more, the last three are one recording that names its pieces.
-void makeP2Card(NewCard& card, const MediaTool& media, unsigned clips);
+void makeP2Card(NewCard& card, const MediaTool& media, unsigned count);
 
 }  // namespace qrx::tool
