@@ -19,6 +19,9 @@ public:
     QRXMXFKey(Field identifier, Field description, Field value)
         : QRXMetadataKey(std::move(identifier), std::move(description), std::move(value)) {}
 
+    /// From an archive, which has the fields of every metadata key and none of the bytes.
+    explicit QRXMXFKey(const ArchivedObject& coder) : QRXMetadataKey(coder) {}
+
     /// The 16-byte universal label of the item; for two special keys a shorter prefix.
     [[nodiscard]] const Bytes& globalKey() const { return globalKey_; }
     /// The 2-byte local tag of the item, big-endian.
@@ -29,6 +32,8 @@ public:
     void setGlobalKey(Bytes key) { globalKey_ = std::move(key); }
     void setLocalKey(Bytes key) { localKey_ = std::move(key); }
     void setHexLocalKeyLength(Bytes length) { hexLocalKeyLength_ = std::move(length); }
+
+    [[nodiscard]] ArchiveClasses archiveClasses() const override;
 
     /// Whether `other` is an MXF key with the same label; nothing else is compared.
     [[nodiscard]] bool isEqual(const QRXMetadataKey& other) const;

@@ -19,9 +19,15 @@ class QRXMXFMetadataWrapper : public QRXMetadataWrapper {
 public:
     using MxfKeys = std::vector<QRXMXFKey>;
 
-    QRXMXFMetadataWrapper() : QRXMetadataWrapper(keyDescriptionDictionary()) {}
+    QRXMXFMetadataWrapper()
+        : QRXMetadataWrapper(keyDescriptionDictionary(), "QRXMXFMetadataWrapper") {}
     /// KEPT: the values are not taken over; updateMetadataKeyValuesFromDictionary does that.
     explicit QRXMXFMetadataWrapper(const MetadataDictionary&) : QRXMXFMetadataWrapper() {}
+
+    /// KEPT: from an archive come only the 25 keys that every wrapper has.
+    explicit QRXMXFMetadataWrapper(const ArchivedObject& coder) : QRXMXFMetadataWrapper() {
+        decodeMetadataKeys(coder);
+    }
 
     /// The 33 identifiers with their display texts.
     [[nodiscard]] static MetadataKeyTable keyDescriptionDictionary();

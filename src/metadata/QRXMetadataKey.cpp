@@ -1,5 +1,6 @@
 #include "metadata/QRXMetadataKey.h"
 
+#include <string_view>
 #include <utility>
 
 #include "platform/ports/Services.h"
@@ -11,6 +12,10 @@ namespace {
 // What the log shows for a field that is absent.
 constexpr const char* kAbsent = "(null)";
 
+constexpr std::string_view kDescriptionArchiveKey = "metaKeyDescription";
+constexpr std::string_view kValueArchiveKey = "metaKeyValue";
+constexpr std::string_view kIdentifierArchiveKey = "metaKeyId";
+
 }  // namespace
 
 QRXMetadataKey::QRXMetadataKey() : QRXMetadataKey("", "", std::string(QRXMediaMetadataNotFound)) {}
@@ -19,6 +24,12 @@ QRXMetadataKey::QRXMetadataKey(Field identifier, Field description, Field value)
     // KEPT: it is the value that decides whether the identifier is taken. A key without a value
     // can be found by no identifier, and hosts count on that.
     : fields_{value ? std::move(identifier) : Field(""), std::move(description), std::move(value)} {
+}
+
+QRXMetadataKey::QRXMetadataKey(const ArchivedObject& coder) : QRXMetadataKey() {
+    if (auto text = coder.decodeText(kDescriptionArchiveKey)) fields_.description = std::move(text);
+    if (auto text = coder.decodeText(kValueArchiveKey)) fields_.value = std::move(text);
+    if (auto text = coder.decodeText(kIdentifierArchiveKey)) fields_.identifier = std::move(text);
 }
 
 QRXMetadataKey::QRXMetadataKey(const QRXMetadataKey& other) : fields_(other.fields()) {}
@@ -55,6 +66,17 @@ void QRXMetadataKey::setKeyValue(Field value) {
 void QRXMetadataKey::setKeyIdentifier(Field identifier) {
     const std::scoped_lock lock(mutex_);
     fields_.identifier = std::move(identifier);
+}
+
+ArchiveClasses QRXMetadataKey::archiveClasses() const {
+    return {"QRXMetadataKey", "NSObject"};
+}
+
+void QRXMetadataKey::encodeWithCoder(ArchiveRecord& coder) const {
+    const Fields now = fields();
+    coder.encodeText(kDescriptionArchiveKey, now.description);
+    coder.encodeText(kValueArchiveKey, now.value);
+    coder.encodeText(kIdentifierArchiveKey, now.identifier);
 }
 
 void QRXMetadataKey::printKeyToLog() const {

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 
+#include "foundation/KeyedArchive.h"
 #include "metadata/MetadataIdentifiers.h"
 
 namespace qrx {
@@ -21,6 +22,9 @@ public:
     /// Takes the three as they are, but without a value the identifier becomes empty.
     QRXMetadataKey(Field identifier, Field description, Field value);
 
+    /// From an archive: a field that is missing there is as in an empty key.
+    explicit QRXMetadataKey(const ArchivedObject& coder);
+
     QRXMetadataKey(const QRXMetadataKey& other);
     QRXMetadataKey& operator=(const QRXMetadataKey& other);
     virtual ~QRXMetadataKey() = default;
@@ -35,6 +39,11 @@ public:
     void setKeyDescription(Field description);
     void setKeyValue(Field value);
     void setKeyIdentifier(Field identifier);
+
+    /// The class as archives name it, with its ancestors.
+    [[nodiscard]] virtual ArchiveClasses archiveClasses() const;
+    /// Writes the three fields, each only when it is there.
+    void encodeWithCoder(ArchiveRecord& coder) const;
 
     /// Writes the three fields to the system log, one entry.
     void printKeyToLog() const;

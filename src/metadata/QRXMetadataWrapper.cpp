@@ -4,6 +4,8 @@
 #include <array>
 #include <utility>
 
+#include "metadata/MetadataArchive.h"
+
 namespace qrx {
 
 namespace {
@@ -43,6 +45,8 @@ constexpr std::array kDescriptions{
 };
 static_assert(kDescriptions.size() == 25);
 
+constexpr const char* kArchiveName = "QRXMetadataWrapper";
+
 bool hasIdentifier(const QRXMetadataKey& key, std::string_view identifier) {
     const auto own = key.keyIdentifier();
     return own && *own == identifier;
@@ -54,8 +58,36 @@ bool isNotFound(const std::optional<std::string>& value) {
 
 }  // namespace
 
-QRXMetadataWrapper::QRXMetadataWrapper(MetadataKeyTable table) : table_(std::move(table)) {
+QRXMetadataWrapper::QRXMetadataWrapper(MetadataKeyTable table, std::string_view archiveName)
+    : table_(std::move(table)), archiveName_(archiveName) {
     initializeMetadataKeys();
+}
+
+QRXMetadataWrapper::QRXMetadataWrapper(const ArchivedObject& coder) : QRXMetadataWrapper() {
+    decodeMetadataKeys(coder);
+}
+
+void QRXMetadataWrapper::decodeMetadataKeys(const ArchivedObject& coder) {
+    MetadataKeys keys;
+    for (const Row& row : kDescriptions) {
+        const auto object = coder.decodeObject(row.identifier);
+        if (auto key = object ? metadataKeyFrom(*object) : nullptr) keys.push_back(std::move(key));
+    }
+    metadataKeys_ = std::move(keys);
+}
+
+ArchiveClasses QRXMetadataWrapper::archiveClasses() const {
+    ArchiveClasses classes{kArchiveName, "QRXMediaObject", "QRXObject", "NSObject"};
+    if (!archiveName_.empty()) classes.insert(classes.begin(), archiveName_);
+    return classes;
+}
+
+void QRXMetadataWrapper::encodeWithCoder(ArchiveRecord& coder) const {
+    for (const auto& key : metadataKeys_) {
+        if (const auto identifier = key->keyIdentifier()) {
+            coder.encodeObject(*identifier, archiveRecordOf(*key));
+        }
+    }
 }
 
 MetadataKeyTable QRXMetadataWrapper::keyDescriptionDictionary() {

@@ -7,6 +7,7 @@
 #include <utility>
 #include <vector>
 
+#include "foundation/KeyedArchive.h"
 #include "foundation/QRXObject.h"
 #include "metadata/MetadataIdentifiers.h"
 #include "metadata/MetadataValue.h"
@@ -34,6 +35,11 @@ public:
     QRXMetadataWrapper() : QRXMetadataWrapper(keyDescriptionDictionary()) {}
     /// KEPT: the values are not taken over; updateMetadataKeyValuesFromDictionary does that.
     explicit QRXMetadataWrapper(const MetadataDictionary&) : QRXMetadataWrapper() {}
+
+    /// From an archive: the keys that it holds under the identifiers of keyDescriptionDictionary(),
+    /// in that order, and no others.
+    /// KEPT: keys of a subclass's own table are lost, for the host reads no others either.
+    explicit QRXMetadataWrapper(const ArchivedObject& coder);
 
     QRXMetadataWrapper(const QRXMetadataWrapper&) = delete;
     QRXMetadataWrapper& operator=(const QRXMetadataWrapper&) = delete;
@@ -70,16 +76,27 @@ public:
     /// nothing when there is none.
     [[nodiscard]] std::optional<std::string> valueForKey(std::string_view identifier) const;
 
+    /// The class as archives name it, with its ancestors. A wrapper moved into one of a class above
+    /// keeps the name that it was made with.
+    [[nodiscard]] ArchiveClasses archiveClasses() const;
+    /// Writes each key under its identifier; of two with one identifier the later. A key without an
+    /// identifier has no place in an archive and is left out.
+    void encodeWithCoder(ArchiveRecord& coder) const;
+
     /// The list as it is now; later changes of the wrapper's list do not show in it.
     [[nodiscard]] MetadataKeys metadataKeys() const { return metadataKeys_; }
     void setMetadataKeys(MetadataKeys keys) { metadataKeys_ = std::move(keys); }
 
 protected:
     /// For a class with a table of its own; it also hides the two table lookups above.
-    explicit QRXMetadataWrapper(MetadataKeyTable table);
+    /// @param archiveName  name of the class where archives know it by one of its own.
+    explicit QRXMetadataWrapper(MetadataKeyTable table, std::string_view archiveName = "");
+    /// Replaces the keys by those of an archive.
+    void decodeMetadataKeys(const ArchivedObject& coder);
 
 private:
     MetadataKeyTable table_;
+    std::string archiveName_;
     MetadataKeys metadataKeys_;
 };
 

@@ -2,6 +2,8 @@
 
 #include <string_view>
 
+#include "foundation/NeutralAnswer.h"
+
 namespace qrx {
 
 namespace {
@@ -11,6 +13,11 @@ constexpr std::string_view kFrameRateKey = "frame";
 constexpr std::string_view kSourceFilePathKey = "filePath";
 constexpr std::string_view kStartTimecodeKey = "tc";
 
+constexpr std::string_view kFrameRateArchiveKey = "rate";
+constexpr std::string_view kSourceFilePathArchiveKey = "filePath";
+constexpr std::string_view kStartTimecodeArchiveKey = "timecode";
+constexpr const char* kArchiveName = "QRXTimecodeDetailsWrapper";
+
 template <class Value>
 const Value* valueFor(std::string_view key,
                       const QRXTimecodeDetailsWrapper::Dictionary& dictionary) {
@@ -19,6 +26,34 @@ const Value* valueFor(std::string_view key,
 }
 
 }  // namespace
+
+QRXTimecodeDetailsWrapper::QRXTimecodeDetailsWrapper(const ArchivedObject& coder)
+    : sourceFilePath_(coder.decodeText(kSourceFilePathArchiveKey)),
+      startTimecode_(coder.decodeText(kStartTimecodeArchiveKey)) {
+    if (const auto rate = coder.decodeNumber(kFrameRateArchiveKey)) {
+        frameRate_ = static_cast<QRXVideoFrameRate>(*rate);
+    }
+}
+
+std::optional<QRXTimecodeDetailsWrapper> QRXTimecodeDetailsWrapper::wrapperOfArchive(
+    std::span<const std::byte> bytes) {
+    using Answer = std::optional<QRXTimecodeDetailsWrapper>;
+    return answerOr(Answer(), "wrapperOfArchive", [&]() -> Answer {
+        const auto root = ArchivedObject::rootOfKeyedArchive(bytes);
+        if (!root || !root->isOfClass(kArchiveName)) return std::nullopt;
+        return QRXTimecodeDetailsWrapper(*root);
+    });
+}
+
+ArchiveClasses QRXTimecodeDetailsWrapper::archiveClasses() const {
+    return {kArchiveName, "NSObject"};
+}
+
+void QRXTimecodeDetailsWrapper::encodeWithCoder(ArchiveRecord& coder) const {
+    coder.encodeNumber(kFrameRateArchiveKey, std::uint64_t{frameRate_});
+    coder.encodeText(kSourceFilePathArchiveKey, sourceFilePath_);
+    coder.encodeText(kStartTimecodeArchiveKey, startTimecode_);
+}
 
 QRXTimecodeDetailsWrapper::Dictionary QRXTimecodeDetailsWrapper::wrapperDictionary() const {
     Dictionary dictionary;

@@ -1,14 +1,17 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <optional>
+#include <span>
 #include <string>
 #include <utility>
 #include <variant>
 
 #include "foundation/FilePath.h"
+#include "foundation/KeyedArchive.h"
 #include "timecode/VideoFrameRate.h"
 
 namespace qrx {
@@ -18,6 +21,20 @@ class QRXTimecodeDetailsWrapper {
 public:
     /// "frame" (number of the rate, always there), "filePath" and "tc" (texts, only when set).
     using Dictionary = std::map<std::string, std::variant<std::uint64_t, std::string>, std::less<>>;
+
+    QRXTimecodeDetailsWrapper() = default;
+    /// From an archive: what is missing there is as in a new wrapper.
+    explicit QRXTimecodeDetailsWrapper(const ArchivedObject& coder);
+    /// The wrapper that is the root of a keyed archive, binary or XML; nothing when the bytes are
+    /// no archive or its root is of another class. Does not throw.
+    [[nodiscard]] static std::optional<QRXTimecodeDetailsWrapper> wrapperOfArchive(
+        std::span<const std::byte> bytes);
+
+    /// The class as archives name it, with its ancestors.
+    [[nodiscard]] ArchiveClasses archiveClasses() const;
+    /// Writes "rate" always, "filePath" and "timecode" only when set: keys of their own, not those
+    /// of the dictionary.
+    void encodeWithCoder(ArchiveRecord& coder) const;
 
     [[nodiscard]] QRXVideoFrameRate frameRate() const { return frameRate_; }
     [[nodiscard]] const std::optional<FilePath>& sourceFilePath() const { return sourceFilePath_; }
