@@ -19,6 +19,7 @@
 #include "platform/linux/PlatformServices.h"
 #include "platform/ports/Services.h"
 #include "qrx/Commands.h"
+#include "qrx/ResourceFolder.h"
 #include "qrx/ShownText.h"
 #include "qrx/ToolReports.h"
 
@@ -82,6 +83,7 @@ void installServices(const ToolOptions& tools, Console& console) {
         console.say(timeLimitMessage(request, seconds));
     };
     platform::services().ffmpegPath = tools.ffmpegPath;
+    platform::services().resourceFolder = resourceFolder();
     platform::installPlatformServices(options);
 }
 
@@ -153,6 +155,7 @@ int run(int argc, char** argv) {
     addSeriesCommand(program, job);
     addCallCommand(program, job);
     addOrderCommand(program, job);
+    addResetCommand(program, job);
     addHelpCommand(program, job);
     try {
         program.parse(argumentsFrom(argc, argv));
