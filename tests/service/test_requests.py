@@ -15,6 +15,9 @@ from harness import (ASK_FOR_CLIPS, COMMUNICATION, MATCHER, NO_LIMIT, ROOT_OBJEC
 
 TOO_LARGE = "com.quillfen.Error.TooLarge"
 
+# Sanitizers keep freed memory and shadows of it, so bounds on memory hold for plain builds only.
+SANITIZED = os.environ.get("QRX_SANITIZE", "") != ""
+
 # A client that asks once and prints what it gets.
 ASK = """
 import sys
@@ -84,7 +87,8 @@ class Load(Requests):
             ask()
         self.assertEqual(self.descriptors(service.pid), descriptors)
         self.assertEqual(self.kilobytes(service.pid, "Threads:"), threads)
-        self.assertLess(self.kilobytes(service.pid) - kilobytes, 2048)
+        if not SANITIZED:
+            self.assertLess(self.kilobytes(service.pid) - kilobytes, 2048)
 
     def test_clients_that_come_and_go_leave_nothing_behind(self):
         service = self.start_vended()
@@ -119,6 +123,7 @@ class Load(Requests):
             for (found,) in answer:
                 self.assertEqual([clip["filePath"] for clip in found], clips)
 
+    @unittest.skipIf(SANITIZED, "a sanitizer keeps memory of its own")
     def test_idle_service_is_small(self):
         service = self.start_vended()
         self.clips()
