@@ -443,7 +443,7 @@ TEST(DamagedList, IsRefusedOrStaysAListWithAnyByteChanged) {
         std::size_t refused = 0;
         for (std::byte& byte : bytes) {
             const std::byte before = byte;
-            for (const unsigned flipped : {1, 2, 4, 8, 16, 32, 64, 128, 255}) {
+            for (const unsigned flipped : {1U, 2U, 4U, 8U, 16U, 32U, 64U, 128U, 255U}) {
                 byte = before ^ static_cast<std::byte>(flipped);
                 const auto list = PlistPropertyList().read(bytes);
                 if (!list) {
