@@ -4,7 +4,8 @@
 usage: udisks_stand_in.py FOLDER
 
 Writes the bus's address to FOLDER/address, a line per call to FOLDER/calls, and ends when
-FOLDER/stop appears or after a minute. It knows one device, /dev/sdb1; a label "refuse" is refused.
+FOLDER/stop appears, FOLDER is gone, or after a minute. It knows one device, /dev/sdb1; a label
+"refuse" is refused.
 """
 
 import os
@@ -97,7 +98,7 @@ def main():
         )
 
         def look():
-            if os.path.exists(os.path.join(FOLDER, "stop")):
+            if not os.path.isdir(FOLDER) or os.path.exists(os.path.join(FOLDER, "stop")):
                 loop.quit()
             return True
 
