@@ -250,6 +250,17 @@ Json seriesJson(const Series& series) {
 
 // ---- the command
 
+/// The utilities by precedence down to the last one whose recordings may come in pieces. What comes
+/// after it claims no piece, and asking it would run a tool on every other file.
+FileMatcher::Utilities utilitiesThatDecide() {
+    const auto shared = QRXHDMediaVolumeAggregate::hdUtilitiesOrderedByPrecedent();
+    FileMatcher::Utilities all(shared.begin(), shared.end());
+    while (!all.empty() && !all.back()->clipSpanningSupported()) {
+        all.pop_back();
+    }
+    return all;
+}
+
 class SeriesSearch {
 public:
     SeriesSearch(const SeriesOptions& options, Session& session)
@@ -336,7 +347,7 @@ private:
 
     const SeriesOptions& options_;
     Session& session_;
-    FileMatcher matcher_;
+    FileMatcher matcher_{utilitiesThatDecide()};
     MatchListener listener_;
     std::unordered_set<FilePath> seen_;
     std::map<std::string, FilePaths> clips_;  ///< by layout
