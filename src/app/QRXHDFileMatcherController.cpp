@@ -3,6 +3,7 @@
 #include "app/FileMatcherInterfaces.h"
 #include "app/FileMatcherMethods.h"
 #include "foundation/NeutralAnswer.h"
+#include "foundation/PathText.h"
 #include "platform/ports/Services.h"
 #include "readers/MovieReader.h"
 #include "volumes/FileMatcher.h"
@@ -13,7 +14,8 @@ namespace qrx {
 
 namespace {
 
-constexpr const char* kAutoTestFolder = "/Volumes/TEST CARD";
+/// In the resource folder; developers put it there.
+constexpr const char* kAutoTestCard = "TEST CARD";
 
 bool hasPictureOrSound(const FilePath& file) {
     const auto movie = MovieReader().open(file);
@@ -70,7 +72,8 @@ std::optional<FilePaths> QRXHDFileMatcherController::filePathsMatchingHDFormats(
 }
 
 void QRXHDFileMatcherController::autoTest() const {
-    (void)filePathDictionariesForAllHDFilesAtFileSystemLocations({kAutoTestFolder});
+    (void)filePathDictionariesForAllHDFilesAtFileSystemLocations(
+        {joinedPath(platform::services().resourceFolder, kAutoTestCard)});
 }
 
 void QRXHDFileMatcherController::awakeFromNib() {

@@ -44,7 +44,8 @@ public:
     [[nodiscard]] std::optional<FilePaths> filePathsMatchingHDFormats(
         const std::vector<std::string>& formats, const FilePaths& locations) const;
 
-    /// A developer's self-test: looks through one fixed card folder and drops the answer.
+    /// A developer's self-test: looks through the card "TEST CARD" in the resource folder and drops
+    /// the answer.
     void autoTest() const;
 
     /// Called once the composition has made this object: starts the watch over the host on a
