@@ -1,8 +1,6 @@
 #include "platform/linux/BlkidVolumeIdentity.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <memory>
 #include <string_view>
 #include <utility>
@@ -18,11 +16,6 @@ namespace qrx::platform {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string contentsOf(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 int hexDigit(char c) {
     if (c >= '0' && c <= '9') return c - '0';
@@ -91,8 +84,7 @@ BlkidVolumeIdentity::BlkidVolumeIdentity(fs::path root) : root_(std::move(root))
 
 std::optional<VolumeDescription> BlkidVolumeIdentity::describe(
     const std::string& mountPoint) const {
-    const std::vector<MountInfoLine> mounts =
-        parsedMountInfo(contentsOf(root_ / "proc/self/mountinfo"));
+    const std::vector<MountInfoLine> mounts = mountsBelow(root_);
     const auto mount = std::find_if(mounts.rbegin(), mounts.rend(), [&](const auto& line) {
         return line.mountPoint == mountPoint;
     });

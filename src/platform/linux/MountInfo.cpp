@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <fstream>
 #include <iterator>
 #include <optional>
 
@@ -66,6 +67,12 @@ std::vector<MountInfoLine> parsedMountInfo(std::string_view table) {
         }
     }
     return lines;
+}
+
+std::vector<MountInfoLine> mountsBelow(const std::filesystem::path& root) {
+    std::ifstream file(root / "proc/self/mountinfo", std::ios::binary);
+    const std::string table{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+    return parsedMountInfo(table);
 }
 
 }  // namespace qrx::platform

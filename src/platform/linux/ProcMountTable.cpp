@@ -1,7 +1,5 @@
 #include "platform/linux/ProcMountTable.h"
 
-#include <fstream>
-#include <iterator>
 #include <map>
 #include <optional>
 #include <string>
@@ -12,20 +10,10 @@
 
 namespace qrx::platform {
 
-namespace {
-
-std::string contentsOf(const std::filesystem::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
-
-}  // namespace
-
 ProcMountTable::ProcMountTable(std::filesystem::path root) : root_(std::move(root)) {}
 
 std::vector<MountEntry> ProcMountTable::entries() const {
-    const std::vector<MountInfoLine> mounts =
-        parsedMountInfo(contentsOf(root_ / "proc/self/mountinfo"));
+    const std::vector<MountInfoLine> mounts = mountsBelow(root_);
     const BlockDevices devices(root_, mounts);
     std::map<std::filesystem::path, bool> removable;  // one disk often stands behind many mounts
     std::vector<MountEntry> found;

@@ -4,7 +4,6 @@
 #include <cctype>
 #include <cstdint>
 #include <fstream>
-#include <iterator>
 #include <map>
 #include <sstream>
 #include <string>
@@ -21,11 +20,6 @@ namespace fs = std::filesystem;
 
 constexpr std::uint64_t kSectorBytes = 512;  // the unit of sysfs and diskstats, whatever the disk's
 constexpr double kLeastSeconds = 0.01;       // the resolution of /proc/uptime
-
-std::string contentsOf(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-}
 
 std::string firstWordOf(const fs::path& path) {
     std::ifstream file(path);
@@ -113,8 +107,7 @@ DiskPart partAt(const fs::path& folder, const std::vector<MountInfoLine>& mounts
 SysDiskStatistics::SysDiskStatistics(fs::path root) : root_(std::move(root)) {}
 
 std::vector<Disk> SysDiskStatistics::disks() const {
-    const std::vector<MountInfoLine> mounts =
-        parsedMountInfo(contentsOf(root_ / "proc/self/mountinfo"));
+    const std::vector<MountInfoLine> mounts = mountsBelow(root_);
     std::vector<Disk> found;
     for (const std::string& name : namesIn(root_ / "sys/block", isCounted)) {
         const fs::path folder = root_ / "sys/block" / name;
