@@ -1,0 +1,252 @@
+#include "foundation/OrderedWork.h"
+
+#include <algorithm>
+#include <condition_variable>
+#include <csignal>
+#include <deque>
+#include <mutex>
+#include <pthread.h>
+#include <stop_token>
+#include <system_error>
+#include <thread>
+#include <utility>
+#include <vector>
+
+#include "platform/ports/ProcessRunner.h"
+
+namespace qrx {
+
+unsigned workersFor(unsigned jobs) {
+    return std::max(1U,
+                    jobs == WorkLimits::kOnePerCore ? std::thread::hardware_concurrency() : jobs);
+}
+
+namespace detail {
+
+namespace {
+
+/// Threads that are started while it lives take no signals away from those that handle them.
+class SignalsBlocked {
+public:
+    SignalsBlocked() {
+        sigset_t all;
+        ::sigfillset(&all);
+        ::pthread_sigmask(SIG_SETMASK, &all, &before_);
+    }
+    ~SignalsBlocked() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+    SignalsBlocked(const SignalsBlocked&) = delete;
+    SignalsBlocked& operator=(const SignalsBlocked&) = delete;
+
+private:
+    sigset_t before_{};
+};
+
+/// A turn that could not be fetched: its fault comes when it would have been announced.
+class FaultyTurn final : public WorkTurn {
+public:
+    explicit FaultyTurn(std::exception_ptr what) { fault = std::move(what); }
+    void announce() override { std::rethrow_exception(fault); }
+    void perform() override {}
+    void take() override {}
+};
+
+/// NO when cancelled.
+bool performOnCaller(const WorkTurns& turns) {
+    const auto isCancelled = [&turns] {
+        return (turns.isCancelled && turns.isCancelled()) ||
+               platform::RunsUntil::current().stop_requested();
+    };
+    while (!isCancelled()) {
+        const auto turn = turns.next();
+        if (!turn) return true;
+        if (isCancelled()) return false;
+        turn->announce();
+        turn->perform();
+        if (isCancelled()) return false;  // a tool that was ended half-way makes results a guess
+        turn->take();
+    }
+    return false;
+}
+
+/// One run with threads. The caller leads: it announces and takes the turns at the front of the
+/// window, while workers fetch new ones to its back and perform them.
+class WorkRun {
+public:
+    WorkRun(const WorkTurns& turns, unsigned jobs, std::size_t window)
+        : turns_(turns), jobs_(jobs), window_(window) {}
+    ~WorkRun() { end(); }
+    WorkRun(const WorkRun&) = delete;
+    WorkRun& operator=(const WorkRun&) = delete;
+
+    /// NO when no thread can be had.
+    [[nodiscard]] bool start() {
+        const SignalsBlocked blocked;
+        const std::lock_guard lock(mutex_);
+        return startWorker();
+    }
+
+    /// NO when cancelled.
+    bool lead() {
+        while (WorkTurn* const turn = front()) {
+            if (isCancelled()) return false;
+            turn->announce();
+            waitUntil([turn] { return turn->isDone; });
+            if (isCancelled()) return false;
+            if (turn->fault) std::rethrow_exception(turn->fault);
+            turn->take();
+            passFront();
+        }
+        return !isCancelled();
+    }
+
+private:
+    /// The turn that is taken next; null at the end.
+    WorkTurn* front() {
+        waitUntil([this] { return !pending_.empty() || isClosed_; });
+        const std::lock_guard lock(mutex_);
+        return pending_.empty() ? nullptr : pending_.front().get();
+    }
+
+    void passFront() {
+        {
+            const std::lock_guard lock(mutex_);
+            pending_.pop_front();
+        }
+        room_.notify_one();
+    }
+
+    template <class Condition>
+    void waitUntil(const Condition& condition) {
+        std::unique_lock lock(mutex_);
+        news_.wait(lock, condition);
+    }
+
+    [[nodiscard]] bool isCancelled() const {
+        return (turns_.isCancelled && turns_.isCancelled()) || ending_.stop_requested();
+    }
+
+    /// With mutex_ held.
+    bool startWorker() {
+        try {
+            workers_.emplace_back([this] { workUntilClosed(); });
+            ++living_;
+            return true;
+        } catch (const std::system_error&) {
+            return false;  // those that are there do the work
+        }
+    }
+
+    void workUntilClosed() {
+        const platform::RunsUntil untilTheEnd(ending_.get_token());
+        while (WorkTurn* const turn = fetch()) {
+            perform(*turn);
+        }
+        const std::lock_guard lock(mutex_);
+        --living_;
+        news_.notify_one();
+    }
+
+    /// The next turn, at the back of the window; null when there are no more.
+    WorkTurn* fetch() {
+        const std::lock_guard oneAtATime(fetching_);
+        if (!hasRoom()) return nullptr;
+        auto turn = isCancelled() ? nullptr : nextTurn();
+        const std::lock_guard lock(mutex_);
+        if (isClosed_) return nullptr;
+        WorkTurn* const fetched = turn.get();
+        isClosed_ = fetched == nullptr || fetched->fault != nullptr;
+        if (fetched != nullptr) pending_.push_back(std::move(turn));
+        if (isClosed_ || pending_.size() == 1) news_.notify_one();
+        if (isClosed_) return nullptr;
+        ++busy_;
+        if (busy_ == living_ && living_ < jobs_) startWorker();
+        return fetched;
+    }
+
+    /// Waits for it; NO when nothing more is to be fetched.
+    bool hasRoom() {
+        std::unique_lock lock(mutex_);
+        room_.wait(lock, [this] { return isClosed_ || pending_.size() < window_; });
+        return !isClosed_;
+    }
+
+    std::unique_ptr<WorkTurn> nextTurn() {
+        try {
+            return turns_.next();
+        } catch (...) {
+            return std::make_unique<FaultyTurn>(std::current_exception());
+        }
+    }
+
+    void perform(WorkTurn& turn) {
+        std::exception_ptr fault;
+        try {
+            turn.perform();
+        } catch (...) {
+            fault = std::current_exception();
+        }
+        const std::lock_guard lock(mutex_);
+        --busy_;
+        turn.fault = fault;
+        turn.isDone = true;
+        if (fault) close();
+        if (&turn == pending_.front().get()) news_.notify_one();
+    }
+
+    /// Nothing more is fetched. With mutex_ held.
+    void close() {
+        isClosed_ = true;
+        room_.notify_all();
+    }
+
+    void end() {
+        {
+            const std::lock_guard lock(mutex_);
+            close();
+        }
+        ending_.request_stop();
+        waitUntil([this] { return living_ == 0; });
+        for (std::thread& worker : workers_) {
+            worker.join();
+        }
+    }
+
+    const WorkTurns& turns_;
+    const unsigned jobs_;
+    const std::size_t window_;
+
+    std::stop_source ending_;  // ends the tools of the workers
+    struct EndToo {
+        std::stop_source& ending;
+        void operator()() const { ending.request_stop(); }
+    };
+    std::stop_callback<EndToo> withTheCallersRequest_{platform::RunsUntil::current(),
+                                                      EndToo{ending_}};
+
+    std::mutex fetching_;
+    std::mutex mutex_;              // guards what follows, and the outcome of turns in the window
+    std::condition_variable news_;  // for the caller
+    std::condition_variable room_;  // for the worker that fetches
+    std::deque<std::unique_ptr<WorkTurn>> pending_;
+    bool isClosed_ = false;
+    std::vector<std::thread> workers_;
+    unsigned living_ = 0;
+    unsigned busy_ = 0;
+};
+
+}  // namespace
+
+bool performTurns(const WorkTurns& turns, const WorkLimits& limits) {
+    const unsigned jobs = workersFor(limits.jobs);
+    if (jobs > 1) {
+        const std::size_t window =
+            limits.window > 0 ? limits.window : jobs * WorkLimits::kWindowPerJob;
+        WorkRun run(turns, jobs, window);
+        if (run.start()) return run.lead();
+    }
+    return performOnCaller(turns);
+}
+
+}  // namespace detail
+
+}  // namespace qrx

@@ -1,0 +1,404 @@
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <latch>
+#include <pthread.h>
+#include <random>
+#include <set>
+#include <stdexcept>
+#include <stop_token>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "foundation/OrderedWork.h"
+#include "platform/ports/Services.h"
+
+namespace qrx {
+namespace {
+
+using std::chrono::microseconds;
+using std::chrono::milliseconds;
+using std::chrono::seconds;
+using std::chrono::steady_clock;
+using testing::Each;
+using testing::ElementsAre;
+using testing::IsEmpty;
+using testing::Not;
+
+constexpr auto kAmpleTime = seconds{60};
+
+/// Waits for what must come about; YES when it did.
+template <class Condition>
+bool comesAbout(const Condition& condition) {
+    const auto until = steady_clock::now() + kAmpleTime;
+    while (!condition()) {
+        if (steady_clock::now() > until) return false;
+        std::this_thread::sleep_for(milliseconds{1});
+    }
+    return true;
+}
+
+std::size_t threadsOfThisProcess() {
+    const std::filesystem::directory_iterator tasks("/proc/self/task");
+    return static_cast<std::size_t>(std::distance(begin(tasks), end(tasks)));
+}
+
+/// The numbers from 0 up to `count`, doubled, and everything that an observer sees of that.
+class OrderedWorkTest : public testing::TestWithParam<WorkLimits> {
+protected:
+    bool run(const WorkLimits& limits) { return performInOrder(steps, limits); }
+    bool run() { return run(GetParam()); }
+
+    /// What one worker makes the observer see of `taken` numbers and `announced` more.
+    [[nodiscard]] static std::vector<std::string> story(int taken, int announced = 0) {
+        std::vector<std::string> told;
+        for (int i = 0; i < taken; ++i) {
+            told.push_back("before " + std::to_string(i));
+            told.push_back(std::to_string(i) + " gives " + std::to_string(2 * i));
+        }
+        for (int i = taken; i < taken + announced; ++i) {
+            told.push_back("before " + std::to_string(i));
+        }
+        return told;
+    }
+
+    int count = 200;
+    std::atomic<int> fetched = 0;
+    std::atomic<int> worked = 0;
+    std::atomic<bool> isCancelled = false;
+    std::vector<std::string> seen;
+    OrderedWork<int, int> steps{
+        .next = [this]() -> std::optional<int> {
+            if (fetched == count) return std::nullopt;
+            return fetched++;
+        },
+        .work =
+            [this](const int& number) {
+                ++worked;
+                return 2 * number;
+            },
+        .before = [this](const int& number) { seen.push_back("before " + std::to_string(number)); },
+        .take =
+            [this](const int& number, int&& doubled) {
+                seen.push_back(std::to_string(number) + " gives " + std::to_string(doubled));
+            },
+        .isCancelled = [this] { return isCancelled.load(); }};
+};
+
+INSTANTIATE_TEST_SUITE_P(Limits, OrderedWorkTest,
+                         testing::Values(WorkLimits{1, 0}, WorkLimits{2, 1}, WorkLimits{2, 0},
+                                         WorkLimits{3, 2}, WorkLimits{16, 0}, WorkLimits{16, 5},
+                                         WorkLimits{}),
+                         [](const auto& row) {
+                             return std::to_string(row.param.jobs) + "JobsWindow" +
+                                    std::to_string(row.param.window);
+                         });
+
+TEST_P(OrderedWorkTest, ObserverSeesOneAtATimeInOrder) {
+    EXPECT_TRUE(run());
+    EXPECT_EQ(seen, story(count));
+    EXPECT_EQ(worked, count);
+}
+
+TEST_P(OrderedWorkTest, OrderHoldsWhereWorkTakesAnyTime) {
+    const unsigned seed = std::random_device{}();
+    SCOPED_TRACE("seed " + std::to_string(seed));
+    std::vector<microseconds> duration;
+    std::mt19937 random(seed);
+    for (int i = 0; i < count; ++i) {
+        duration.emplace_back(random() % 10 == 0 ? random() % 5000 : random() % 50);
+    }
+    steps.work = [&](const int& number) {
+        std::this_thread::sleep_for(duration[static_cast<std::size_t>(number)]);
+        return 2 * number;
+    };
+    EXPECT_TRUE(run());
+    EXPECT_EQ(seen, story(count));
+}
+
+TEST_P(OrderedWorkTest, NoItems) {
+    count = 0;
+    EXPECT_TRUE(run());
+    EXPECT_THAT(seen, IsEmpty());
+}
+
+TEST_P(OrderedWorkTest, NobodyNeedBeToldBefore) {
+    steps.before = nullptr;
+    steps.isCancelled = nullptr;
+    count = 2;
+    EXPECT_TRUE(run());
+    EXPECT_THAT(seen, ElementsAre("0 gives 0", "1 gives 2"));
+}
+
+TEST_P(OrderedWorkTest, ObserverIsOnTheCallingThread) {
+    std::set<std::thread::id> observers;
+    steps.before = [&](const int&) { observers.insert(std::this_thread::get_id()); };
+    steps.take = [&](const int&, int&&) { observers.insert(std::this_thread::get_id()); };
+    EXPECT_TRUE(run());
+    EXPECT_THAT(observers, ElementsAre(std::this_thread::get_id()));
+}
+
+TEST_P(OrderedWorkTest, NoThreadIsLeft) {
+    const std::size_t before = threadsOfThisProcess();
+    EXPECT_TRUE(run());
+    EXPECT_TRUE(comesAbout([&] { return threadsOfThisProcess() <= before; }));
+}
+
+TEST_P(OrderedWorkTest, FaultInTheWorkComesAtItsTurn) {
+    steps.work = [](const int& number) {
+        if (number == 50) throw std::out_of_range("fifty");
+        if (number > 50) throw std::logic_error("later");
+        std::this_thread::sleep_for(microseconds{100});
+        return 2 * number;
+    };
+    EXPECT_THROW(run(), std::out_of_range);
+    EXPECT_EQ(seen, story(50, 1));
+}
+
+TEST_P(OrderedWorkTest, FaultOfNoStandardKindComesOut) {
+    struct NoStandardFault {};
+    steps.work = [](const int& number) -> int {
+        if (number == 3) throw NoStandardFault{};
+        return 2 * number;
+    };
+    EXPECT_THROW(run(), NoStandardFault);
+    EXPECT_EQ(seen, story(3, 1));
+}
+
+TEST_P(OrderedWorkTest, FaultInTheWalkComesAfterWhatStandsBeforeIt) {
+    steps.next = [this]() -> std::optional<int> {
+        if (fetched == 20) throw std::out_of_range("walk");
+        return fetched++;
+    };
+    EXPECT_THROW(run(), std::out_of_range);
+    EXPECT_EQ(seen, story(20));
+}
+
+TEST_P(OrderedWorkTest, FaultBeforeAnItem) {
+    steps.before = [this](const int& number) {
+        if (number == 20) throw std::out_of_range("before");
+        seen.push_back("before " + std::to_string(number));
+    };
+    EXPECT_THROW(run(), std::out_of_range);
+    EXPECT_EQ(seen, story(20));
+}
+
+TEST_P(OrderedWorkTest, FaultOfWhoeverTakes) {
+    steps.take = [this](const int& number, int&& doubled) {
+        if (number == 20) throw std::out_of_range("full");
+        seen.push_back(std::to_string(number) + " gives " + std::to_string(doubled));
+    };
+    EXPECT_THROW(run(), std::out_of_range);
+    EXPECT_EQ(seen, story(20, 1));
+}
+
+TEST_P(OrderedWorkTest, WalkIsNotAskedAgainAfterItsEnd) {
+    std::atomic<int> ends = 0;
+    steps.next = [&]() -> std::optional<int> {
+        if (fetched < 10) return fetched++;
+        ++ends;
+        std::this_thread::sleep_for(milliseconds{5});
+        return std::nullopt;
+    };
+    EXPECT_TRUE(run());
+    EXPECT_EQ(ends, 1);
+}
+
+TEST_P(OrderedWorkTest, CancelledBeforeTheFirstItem) {
+    isCancelled = true;
+    EXPECT_FALSE(run());
+    EXPECT_THAT(seen, IsEmpty());
+    EXPECT_EQ(fetched, 0);
+}
+
+TEST_P(OrderedWorkTest, NothingIsTakenAfterACancellation) {
+    int startedBefore = 0;
+    steps.take = [&](const int& number, int&&) {
+        seen.push_back("took " + std::to_string(number));
+        if (number != 30) return;
+        startedBefore = worked;
+        isCancelled = true;
+    };
+    EXPECT_FALSE(run());
+    EXPECT_EQ(seen.back(), "took 30");
+    // Each worker may have been past its last look at the cancellation.
+    EXPECT_LE(worked, startedBefore + static_cast<int>(workersFor(GetParam().jobs)));
+}
+
+TEST_P(OrderedWorkTest, ItemUnderWayWhenCancelledIsNotTaken) {
+    steps.work = [this](const int& number) {
+        if (number == 30) isCancelled = true;
+        return 2 * number;
+    };
+    EXPECT_FALSE(run());
+    EXPECT_LE(seen.size(), story(30, 1).size());
+    EXPECT_THAT(seen, Not(testing::Contains("30 gives 60")));
+}
+
+TEST_P(OrderedWorkTest, EndOfTheCallersRequestEndsToolsAndRun) {
+    std::stop_source request;
+    const platform::RunsUntil scope(request.get_token());
+    std::atomic<int> ended = 0;
+    steps.work = [&](const int& number) {
+        EXPECT_THROW((void)platform::processRunner().run({"/bin/sleep", {"600"}}),
+                     platform::RunCancelled);
+        ++ended;
+        return number;
+    };
+    steps.before = [&](const int&) { request.request_stop(); };
+    EXPECT_FALSE(run());
+    EXPECT_LE(ended, static_cast<int>(workersFor(GetParam().jobs)));
+}
+
+TEST_P(OrderedWorkTest, WindowIsNeverExceeded) {
+    const unsigned jobs = workersFor(GetParam().jobs);
+    const std::size_t window =
+        GetParam().window > 0 ? GetParam().window : jobs * WorkLimits::kWindowPerJob;
+    const std::size_t most = jobs == 1 ? 1 : window;
+    count = 1000;
+    std::atomic<std::size_t> taken = 0;
+    std::atomic<std::size_t> ahead = 0;
+    steps.next = [&]() -> std::optional<int> {
+        ahead = std::max(ahead.load(), static_cast<std::size_t>(fetched) + 1 - taken);
+        if (fetched == count) return std::nullopt;
+        return fetched++;
+    };
+    steps.take = [&](const int& number, int&&) {
+        if (number % 100 == 0) std::this_thread::sleep_for(milliseconds{2});
+        ++taken;
+    };
+    EXPECT_TRUE(run());
+    EXPECT_LE(ahead, most);
+}
+
+using OrderedWorkThreads = OrderedWorkTest;
+
+TEST_F(OrderedWorkThreads, OneJobNeedsNoThread) {
+    const auto caller = std::this_thread::get_id();
+    steps.next = [&]() -> std::optional<int> {
+        EXPECT_EQ(std::this_thread::get_id(), caller);
+        if (fetched == count) return std::nullopt;
+        return fetched++;
+    };
+    steps.work = [&](const int& number) {
+        EXPECT_EQ(std::this_thread::get_id(), caller);
+        return number;
+    };
+    EXPECT_TRUE(run({.jobs = 1}));
+    EXPECT_EQ(fetched, count);
+}
+
+TEST_F(OrderedWorkThreads, AsManyItemsAtATimeAsThereAreJobs) {
+    constexpr int kJobs = 8;
+    count = kJobs;
+    std::latch allAreThere(kJobs);
+    steps.work = [&](const int& number) {
+        allAreThere.count_down();
+        EXPECT_TRUE(comesAbout([&] { return allAreThere.try_wait(); }));
+        return 2 * number;
+    };
+    EXPECT_TRUE(run({.jobs = kJobs}));
+    EXPECT_EQ(seen, story(count));
+}
+
+TEST_F(OrderedWorkThreads, NoMoreItemsAtATimeThanThereAreJobs) {
+    std::atomic<int> atATime = 0;
+    steps.work = [&](const int& number) {
+        EXPECT_LE(++atATime, 3);
+        std::this_thread::sleep_for(microseconds{200});
+        --atATime;
+        return number;
+    };
+    EXPECT_TRUE(run({.jobs = 3}));
+}
+
+TEST_F(OrderedWorkThreads, WalkRunsAheadToTheEndOfTheWindowAndStopsThere) {
+    constexpr int kWindow = 7;
+    std::atomic<bool> release = false;
+    steps.work = [&](const int& number) {
+        EXPECT_TRUE(number != 0 || comesAbout([&] { return release.load(); }));
+        return number;
+    };
+    std::thread watching([&] {
+        EXPECT_TRUE(comesAbout([&] { return fetched == kWindow; }));
+        std::this_thread::sleep_for(milliseconds{20});  // time in which a mistake could show
+        EXPECT_EQ(fetched, kWindow);
+        release = true;
+    });
+    EXPECT_TRUE(run({.jobs = 2, .window = kWindow}));
+    watching.join();
+    EXPECT_EQ(fetched, count);
+}
+
+TEST_F(OrderedWorkThreads, WorkersTakeNoSignals) {
+    sigset_t before;
+    ::pthread_sigmask(SIG_SETMASK, nullptr, &before);
+    ASSERT_EQ(::sigismember(&before, SIGUSR1), 0);
+    std::atomic<int> blocked = 0;
+    steps.work = [&](const int& number) {
+        sigset_t mask;
+        ::pthread_sigmask(SIG_SETMASK, nullptr, &mask);
+        blocked += ::sigismember(&mask, SIGUSR1) + ::sigismember(&mask, SIGINT);
+        return number;
+    };
+    EXPECT_TRUE(run({.jobs = 4}));
+    EXPECT_EQ(blocked, 2 * count);
+    sigset_t after;
+    ::pthread_sigmask(SIG_SETMASK, nullptr, &after);
+    EXPECT_EQ(::sigismember(&after, SIGUSR1), 0);
+}
+
+TEST_F(OrderedWorkThreads, ToolsAreEndedWhenWhoeverTakesThrows) {
+    std::atomic<int> running = 0;
+    std::atomic<int> ended = 0;
+    steps.work = [&](const int& number) {
+        if (number == 0) {
+            EXPECT_TRUE(comesAbout([&] { return running == 3; }));
+            return number;
+        }
+        ++running;
+        EXPECT_THROW((void)platform::processRunner().run({"/bin/sleep", {"600"}}),
+                     platform::RunCancelled);
+        ++ended;
+        return number;
+    };
+    steps.take = [](const int&, int&&) { throw std::out_of_range("full"); };
+    EXPECT_THROW(run({.jobs = 4}), std::out_of_range);
+    EXPECT_EQ(ended, running);
+}
+
+TEST_F(OrderedWorkThreads, RunInsideTheWorkOfAnother) {
+    count = 6;
+    steps.work = [](const int& number) {
+        int sum = 0;
+        int next = 0;
+        (void)performInOrder<int, int>({.next = [&next]() -> std::optional<int> {
+                                            if (next == 10) return std::nullopt;
+                                            return next++;
+                                        },
+                                        .work = [number](const int&) { return number; },
+                                        .before = {},
+                                        .take = [&sum](const int&, int&& one) { sum += one; },
+                                        .isCancelled = {}},
+                                       {.jobs = 2});
+        return sum / 5;
+    };
+    EXPECT_TRUE(run({.jobs = 3}));
+    EXPECT_EQ(seen, story(count));
+}
+
+TEST(WorkersFor, AtLeastOneAndAsManyAsCoresWhereNoneAreNamed) {
+    EXPECT_EQ(workersFor(1), 1U);
+    EXPECT_EQ(workersFor(16), 16U);
+    EXPECT_EQ(workersFor(WorkLimits::kOnePerCore),
+              std::max(1U, std::thread::hardware_concurrency()));
+}
+
+}  // namespace
+}  // namespace qrx
