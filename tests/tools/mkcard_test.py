@@ -35,7 +35,8 @@ CAMERAS = {
 # Sounds and proxies beside the clips, which are media of their own wherever they lie.
 COMPANIONS = {
     "p2": ["CONTENTS/AUDIO/0001AB00.MXF", "CONTENTS/AUDIO/0001AB01.MXF",
-           "CONTENTS/AUDIO/0002AB00.MXF", "CONTENTS/AUDIO/0002AB01.MXF"],
+           "CONTENTS/AUDIO/0002AB00.MXF", "CONTENTS/AUDIO/0002AB01.MXF",
+           "CONTENTS/PROXY/0001AB.MP4", "CONTENTS/PROXY/0002AB.MP4"],
     "xdcam-hd": ["Sub/C0001S01.MXF", "Sub/C0002S01.MXF"],
     "gopro": ["DCIM/100GOPRO/GOPR0001.LRV", "DCIM/100GOPRO/GOPR0002.LRV"],
 }
@@ -171,6 +172,43 @@ class Cameras(Mkcard):
                 self.assertEqual(len(streams), 1 if layout == "p2" else 2)
         sound = self.folder / "p2/CONTENTS/AUDIO/0001AB00.MXF"
         self.assertEqual(self.streams(sound), ["pcm_s16le"])
+
+    def test_each_clip_has_the_companions_that_the_camera_writes(self):
+        # Layout, and the files of its second clip (of three), the clip itself left out.
+        for layout, companions in (
+                ("p2", ["AUDIO/0002AB00.MXF", "AUDIO/0002AB01.MXF", "CLIP/0002AB.XML",
+                        "ICON/0002AB.BMP", "PROXY/0002AB.BIN", "PROXY/0002AB.MP4",
+                        "PROXY/0002AB.XML", "VIDEO/0002AB.MXF"]),
+                ("xdcam-hd", ["Clip/C0002.MXF", "Clip/C0002M01.XML", "Sub/C0002S01.MXF"]),
+                ("xdcam-ex", [f"632_0002_01/632_0002_01{end}"
+                              for end in (".MP4", ".SMI", "C01.SMI", "I01.PPN", "M01.XML",
+                                          "R01.BIM")]),
+                ("canon-eos", ["100CANON/MVI_0002.MOV", "100CANON/MVI_0002.THM"]),
+                ("gopro", ["100GOPRO/GOPR0002.LRV", "100GOPRO/GOPR0002.MP4",
+                           "100GOPRO/GOPR0002.THM"])):
+            with self.subTest(layout):
+                self.make(layout, layout, "--clips", "3")
+                found = sorted(f"{path.parent.name}/{path.name}"
+                               for path in (self.folder / layout).rglob("*0002*")
+                               if path.is_file())
+                self.assertEqual(found, companions)
+
+    def test_photographs_go_on_with_the_numbers_of_the_movies(self):
+        self.make("canon-eos", "card", "--clips", "2")
+        folder = self.folder / "card/DCIM/100CANON"
+        self.assertEqual(sorted(path.name for path in folder.glob("IMG_*")),
+                         ["IMG_0003.JPG", "IMG_0004.JPG"])
+        self.assertEqual((folder / "IMG_0003.JPG").read_bytes()[:3], b"\xff\xd8\xff")
+
+    def test_clips_of_a_long_card_are_all_whole_and_begin_at_times_of_their_own(self):
+        clips = 103  # more than the tool writes in one run, twice
+        self.make("canon-xf", "card", "--clips", str(clips))
+        movies = sorted((self.folder / "card").rglob("*.MXF"))
+        self.assertEqual(len(movies), clips)
+        self.assertEqual(len({path.stat().st_size for path in movies}), 1)
+        for path in (movies[0], movies[50], movies[100], movies[-1]):
+            self.assertEqual(len(self.streams(path)), 2)
+        self.assertEqual(len({path.read_bytes() for path in movies}), clips)
 
     def test_card_in_a_folder_with_an_odd_name(self):
         for layout in ("p2", "gopro"):

@@ -69,7 +69,9 @@ void writeCompanions(NewCard& card, const BpavStyle& style, const CardClips& cli
     const std::string stem = clipStem(style, clips, clip);
     card.write(stem + "M01.XML", nonRealTimeMeta(factsOf(clips, clip)));
     if (!style.hasPlayerFiles) return;
-    card.write(stem + "C01.SMI", smil({clipName(style, clips, clip) + ".MP4"}));
+    const std::string playlist = smil({clipName(style, clips, clip) + ".MP4"});
+    card.write(stem + ".SMI", playlist);
+    card.write(stem + "C01.SMI", playlist);
     card.write(stem + "I01.PPN", std::string(64, '\xFF'));
     card.write(stem + "R01.BIM", std::string(64, '\xFF'));
 }

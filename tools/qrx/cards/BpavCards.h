@@ -16,7 +16,7 @@ inline constexpr unsigned kMostBpavClips = 9999;
 //
 // Of four clips or more, the last three are segments of one recording.
 
-/// With .SMI, .PPN and .BIM files beside the clips; the last two hold stand-in bytes.
+/// Six files a clip: two .SMI, a .PPN and a .BIM file too; the last two hold stand-in bytes.
 void makeXdcamExCard(NewCard& card, const MediaTool& media, unsigned clips);
 /// The same below PRIVATE/JVC, with names such as ABCD0001_01.
 void makeJvcMp4Card(NewCard& card, const MediaTool& media, unsigned clips);

@@ -16,6 +16,9 @@ namespace qrx::tool {
 
 namespace {
 
+// Each is open until the last is written.
+constexpr std::size_t kFilesPerRun = 50;
+
 /// The last line that says something; an error stands there.
 std::string lastLine(std::string_view report) {
     std::string last;
@@ -68,13 +71,17 @@ void MediaTool::makeMovie(const std::vector<std::string>& options, const std::st
     (void)output(arguments);
 }
 
-void MediaTool::rewrap(const std::string& from, const std::vector<std::string>& options,
-                       const std::string& path) const {
-    std::vector<std::string> arguments{"-hide_banner", "-nostdin", "-loglevel", "error", "-n"};
-    append(arguments, {"-i", from, "-c", "copy"});
-    arguments.insert(arguments.end(), options.begin(), options.end());
-    arguments.push_back(path);
-    (void)output(arguments);
+void MediaTool::rewrap(const std::string& from, const std::vector<NewMedia>& files) const {
+    std::vector<std::string> arguments;
+    for (std::size_t i = 0; i < files.size(); ++i) {
+        if (i % kFilesPerRun == 0) {
+            arguments = {"-hide_banner", "-nostdin", "-loglevel", "error", "-n", "-i", from};
+        }
+        append(arguments, {"-c", "copy"});
+        arguments.insert(arguments.end(), files[i].options.begin(), files[i].options.end());
+        arguments.push_back(files[i].path);
+        if (i + 1 == files.size() || (i + 1) % kFilesPerRun == 0) (void)output(arguments);
+    }
 }
 
 void MediaTool::makeStill(const std::vector<std::string>& options, const std::string& path) const {

@@ -1,5 +1,6 @@
 #include "qrx/cards/MovieCards.h"
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -32,8 +33,9 @@ void makeMovies(NewCard& card, const MediaTool& media, const std::vector<std::st
     }
 }
 
-void makeThumbnails(NewCard& card, const MediaTool& media, const std::vector<std::string>& files) {
-    media.makeStill({"-s", "160x120", "-c:v", media.encoder({"mjpeg"}), "-f", "mjpeg"},
+void makePictures(NewCard& card, const MediaTool& media, const std::vector<std::string>& files,
+                  const std::string& size) {
+    media.makeStill({"-s", size, "-c:v", media.encoder({"mjpeg"}), "-f", "mjpeg"},
                     card.pathForNewFile(files.front()));
     for (std::size_t i = 1; i < files.size(); ++i) {
         card.copy(files.front(), files[i]);
@@ -82,7 +84,14 @@ void makeCanonEosCard(NewCard& card, const MediaTool& media, unsigned clips) {
         return namesOf(clips, [&](unsigned clip) { return canonFile(clip, extension); });
     };
     makeMovies(card, media, files("MOV"), movieOptions(media, "mov"));
-    makeThumbnails(card, media, files("THM"));
+    makePictures(card, media, files("THM"), "160x120");
+    const unsigned photographs = std::min(clips, kMostCameraMovies - clips);
+    if (photographs > 0) {
+        const auto photograph = [&](unsigned number) {
+            return fmt::format("DCIM/100CANON/IMG_{:04}.JPG", clips + number + 1);
+        };
+        makePictures(card, media, namesOf(photographs, photograph), "1920x1280");
+    }
     card.makeFolder("MISC");
 }
 
@@ -94,7 +103,7 @@ void makeGoProCard(NewCard& card, const MediaTool& media, unsigned clips) {
     std::vector<std::string> small = movieOptions(media, "mp4");
     small.insert(small.begin(), {"-s", "432x240"});
     makeMovies(card, media, files("LRV"), small);
-    makeThumbnails(card, media, files("THM"));
+    makePictures(card, media, files("THM"), "160x120");
 }
 
 void makeRedOneCard(NewCard& card, const MediaTool& media, unsigned clips) {

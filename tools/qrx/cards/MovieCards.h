@@ -10,7 +10,8 @@ inline constexpr unsigned kMostRedClips = 999;
 
 // Cards whose clips are QuickTime or MP4 movies. The clips of one card are copies of one recording.
 
-/// DCIM/100CANON/MVI_0001.MOV with the picture MVI_0001.THM beside it, and the folder MISC.
+/// DCIM/100CANON/MVI_0001.MOV with the picture MVI_0001.THM beside it, and the folder MISC. The
+/// numbers go on with photographs, IMG_0004.JPG, as many as there are clips, up to 9999.
 void makeCanonEosCard(NewCard& card, const MediaTool& media, unsigned clips);
 /// DCIM/100GOPRO/GOPR0001.MP4 with the picture GOPR0001.THM and the small movie GOPR0001.LRV.
 void makeGoProCard(NewCard& card, const MediaTool& media, unsigned clips);

@@ -18,20 +18,25 @@ namespace {
 constexpr unsigned kRate = 25;
 constexpr unsigned kFrames = 25;
 
-/// `first` is encoded, the others are the same under another timecode.
-void makeMxf(NewCard& card, const MediaTool& media, const std::string& first,
-             const std::string& file, const StartTimecode& start, const std::string& size) {
-    const std::vector<std::string> wrapping{"-timecode", timecodeText(start), "-f", "mxf"};
-    const std::string path = card.pathForNewFile(file);
-    if (file != first) {
-        media.rewrap(joinedPath(card.folder(), first), wrapping, path);
-        return;
+/// One file a clip; the first is encoded, the others are the same under another timecode.
+/// @param name  gives the name of a clip's file.
+template <class Name>
+void makeMxfs(NewCard& card, const MediaTool& media, unsigned clips, const Name& name,
+              const std::string& size) {
+    std::vector<NewMedia> files;
+    for (unsigned clip = 0; clip < clips; ++clip) {
+        const std::string start = timecodeText(CardClips(clips).startOf(clip));
+        files.push_back({.options = {"-timecode", start, "-f", "mxf"},
+                         .path = card.pathForNewFile(name(clip))});
     }
+    const NewMedia first = files.front();
     std::vector<std::string> options{"-r",   "25", "-t",   "1",
                                      "-s",   size, "-c:v", media.encoder({"mpeg2video"}),
                                      "-b:v", "8M", "-c:a", media.encoder({"pcm_s16le"})};
-    options.insert(options.end(), wrapping.begin(), wrapping.end());
-    media.makeMovie(options, path);
+    options.insert(options.end(), first.options.begin(), first.options.end());
+    media.makeMovie(options, first.path);
+    files.erase(files.begin());
+    media.rewrap(first.path, files);
 }
 
 std::string umidOf(const NewCard& card, const std::string& file, unsigned clip) {
@@ -64,10 +69,10 @@ std::string canonFile(unsigned clip, std::string_view extension) {
 void makeXdcamHdCard(NewCard& card, const MediaTool& media, unsigned clips) {
     std::string material;
     std::string index;
+    makeMxfs(card, media, clips, xdcamFile, "1920x1080");
+    makeMxfs(card, media, clips, xdcamProxy, "480x270");
     for (unsigned clip = 0; clip < clips; ++clip) {
         const StartTimecode start = CardClips(clips).startOf(clip);
-        makeMxf(card, media, xdcamFile(0), xdcamFile(clip), start, "1920x1080");
-        makeMxf(card, media, xdcamProxy(0), xdcamProxy(clip), start, "480x270");
         const std::string umid = umidOf(card, xdcamFile(clip), clip);
         card.write(fmt::format("Clip/{}M01.XML", xdcamName(clip)),
                    nonRealTimeMeta({.umid = umid,
@@ -95,10 +100,11 @@ void makeXdcamHdCard(NewCard& card, const MediaTool& media, unsigned clips) {
 }
 
 void makeCanonXfCard(NewCard& card, const MediaTool& media, unsigned clips) {
+    const auto movie = [](unsigned clip) { return canonFile(clip, "MXF"); };
+    makeMxfs(card, media, clips, movie, "1920x1080");
     for (unsigned clip = 0; clip < clips; ++clip) {
         const StartTimecode start = CardClips(clips).startOf(clip);
-        const std::string file = canonFile(clip, "MXF");
-        makeMxf(card, media, canonFile(0, "MXF"), file, start, "1920x1080");
+        const std::string file = movie(clip);
         card.write(
             canonFile(clip, "XML"),
             fmt::format("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"

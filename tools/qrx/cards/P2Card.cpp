@@ -2,6 +2,8 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include <fmt/core.h>
@@ -17,6 +19,7 @@ namespace {
 
 constexpr unsigned kChannels = 2;
 constexpr unsigned kFrames = 30;
+constexpr std::size_t kStandInBytes = 64;  // of a file whose format nothing here writes
 constexpr std::string_view kLastClip = "LASTCLIP.TXT";
 
 std::string clipName(unsigned clip) {
@@ -35,29 +38,68 @@ std::string iconFile(unsigned clip) {
     return fmt::format("CONTENTS/ICON/{}.BMP", clipName(clip));
 }
 
-/// Encodes the media of the first clip; the others are the same under another timecode.
-void makeMedia(NewCard& card, const MediaTool& media, unsigned clip, const std::string& start) {
-    const auto write = [&](const std::string& file, const std::string& firstFile,
-                           std::vector<std::string> encoding, const std::string& track) {
-        std::vector<std::string> wrapping{"-timecode", start, "-f", "mxf_opatom"};
-        if (track == "1:a") {
-            wrapping.insert(wrapping.begin(), {"-mxf_audio_edit_rate", "30000/1001"});
-        }
-        const std::string path = card.pathForNewFile(file);
-        if (clip > 0) {
-            media.rewrap(joinedPath(card.folder(), firstFile), wrapping, path);
-            return;
-        }
-        encoding.insert(encoding.end(), {"-map", track});
-        encoding.insert(encoding.end(), wrapping.begin(), wrapping.end());
-        media.makeMovie(encoding, path);
+std::string proxyFile(unsigned clip, std::string_view extension) {
+    return fmt::format("CONTENTS/PROXY/{}.{}", clipName(clip), extension);
+}
+
+/// The same tracks in one file a clip, each under its own timecode.
+/// @param name      gives the name of a clip's file.
+/// @param encoding  how the first is encoded; the others are rewrapped from it.
+/// @param wrapping  what the container wants of all of them.
+template <class Name>
+void makeTrack(NewCard& card, const MediaTool& media, const CardClips& clips, const Name& name,
+               std::vector<std::string> encoding, const std::vector<std::string>& wrapping) {
+    const auto fileOf = [&](unsigned clip) {
+        std::vector<std::string> options = wrapping;
+        options.insert(options.end(),
+                       {"-timecode", timecodeText(clips.startOf(clip), ';'), "-f", "mxf_opatom"});
+        return NewMedia{.options = std::move(options), .path = card.pathForNewFile(name(clip))};
     };
-    write(videoFile(clip), videoFile(0),
-          {"-c:v", media.encoder({"mpeg2video"}), "-s", "1280x720", "-b:v", "10M"}, "0:v");
-    write(audioFile(clip, 0), audioFile(0, 0), {"-c:a", media.encoder({"pcm_s16le"}), "-ac", "1"},
-          "1:a");
-    for (unsigned channel = 1; channel < kChannels; ++channel) {
-        card.copy(audioFile(clip, 0), audioFile(clip, channel));
+    const NewMedia first = fileOf(0);
+    encoding.insert(encoding.end(), first.options.begin(), first.options.end());
+    media.makeMovie(encoding, first.path);
+    std::vector<NewMedia> others;
+    for (unsigned clip = 1; clip < clips.count(); ++clip) {
+        others.push_back(fileOf(clip));
+    }
+    media.rewrap(first.path, others);
+}
+
+void makeMedia(NewCard& card, const MediaTool& media, const CardClips& clips) {
+    makeTrack(
+        card, media, clips, videoFile,
+        {"-map", "0:v", "-c:v", media.encoder({"mpeg2video"}), "-s", "1280x720", "-b:v", "10M"},
+        {});
+    makeTrack(card, media, clips, [](unsigned clip) { return audioFile(clip, 0); },
+              {"-map", "1:a", "-c:a", media.encoder({"pcm_s16le"}), "-ac", "1"},
+              {"-mxf_audio_edit_rate", "30000/1001"});
+    for (unsigned clip = 0; clip < clips.count(); ++clip) {
+        for (unsigned channel = 1; channel < kChannels; ++channel) {
+            card.copy(audioFile(clip, 0), audioFile(clip, channel));
+        }
+    }
+}
+
+/// Icons and proxies, which are the same for every clip.
+void makePreviews(NewCard& card, const MediaTool& media, const CardClips& clips) {
+    media.makeStill({"-s", "80x60", "-c:v", media.encoder({"bmp"}), "-f", "image2pipe"},
+                    card.pathForNewFile(iconFile(0)));
+    const std::string video = media.encoder({"libx264", "libopenh264", "mpeg4"});
+    std::vector<std::string> proxy{"-s",  "320x180", "-c:v",
+                                   video, "-c:a",    media.encoder({"aac", "ac3"})};
+    if (video == "libx264") proxy.insert(proxy.end(), {"-preset", "ultrafast"});
+    proxy.insert(proxy.end(), {"-f", "mp4"});
+    media.makeMovie(proxy, card.pathForNewFile(proxyFile(0, "MP4")));
+    for (unsigned clip = 0; clip < clips.count(); ++clip) {
+        if (clip > 0) {
+            card.copy(iconFile(0), iconFile(clip));
+            card.copy(proxyFile(0, "MP4"), proxyFile(clip, "MP4"));
+        }
+        card.write(proxyFile(clip, "BIN"), std::string(kStandInBytes, '\xFF'));
+        card.write(proxyFile(clip, "XML"),
+                   fmt::format("<?xml version=\"1.0\" encoding=\"UTF-8\" standalone=\"no\" ?>\r\n"
+                               "<ProxyMain><ClipName>{}</ClipName></ProxyMain>\r\n",
+                               clipName(clip)));
     }
 }
 
@@ -119,11 +161,9 @@ std::string clipXml(const CardClips& clips, const std::vector<Link>& links, unsi
 void makeP2Card(NewCard& card, const MediaTool& media, unsigned count) {
     const CardClips clips(count);
     std::vector<Link> links;
-    media.makeStill({"-s", "80x60", "-c:v", media.encoder({"bmp"}), "-f", "image2pipe"},
-                    card.pathForNewFile(iconFile(0)));
+    makeMedia(card, media, clips);
+    makePreviews(card, media, clips);
     for (unsigned clip = 0; clip < count; ++clip) {
-        makeMedia(card, media, clip, timecodeText(clips.startOf(clip), ';'));
-        if (clip > 0) card.copy(iconFile(0), iconFile(clip));
         const auto umid = mxfUniqueIdentifier(joinedPath(card.folder(), videoFile(clip)));
         links.push_back({upperCased(umid.value_or(madeUpUmid(clip))), clipName(clip)});
     }
