@@ -3,6 +3,7 @@
 #include <memory>
 
 #include "platform/linux/BlkidVolumeIdentity.h"
+#include "platform/linux/DesktopThumbnailer.h"
 #include "platform/linux/GdbusServiceBus.h"
 #include "platform/linux/GlibMainThread.h"
 #include "platform/linux/LibxmlParser.h"
@@ -36,6 +37,7 @@ void installPlatformServices(const PlatformOptions& options) {
     inForce.volumeIdentity = std::make_shared<BlkidVolumeIdentity>(options.systemRoot);
     inForce.driveManager = std::make_shared<UdisksDriveManager>();
     inForce.imageCodec = std::make_shared<PixbufImageCodec>();
+    inForce.thumbnailer = std::make_shared<DesktopThumbnailer>();
     inForce.xmlParser = std::make_shared<LibxmlParser>();
     inForce.propertyLists = std::make_shared<PlistPropertyList>();
     inForce.runningApplications = std::make_shared<ProcRunningApplications>(options.systemRoot);

@@ -19,6 +19,7 @@
 #include "platform/ports/ServiceBus.h"
 #include "platform/ports/SystemLog.h"
 #include "platform/ports/TextRules.h"
+#include "platform/ports/Thumbnailer.h"
 #include "platform/ports/VolumeIdentity.h"
 #include "platform/ports/XmlDocument.h"
 
@@ -35,6 +36,7 @@ struct Services {
     std::shared_ptr<SystemLog> systemLog;
     std::shared_ptr<Inflater> inflater;
     std::shared_ptr<ImageCodec> imageCodec;
+    std::shared_ptr<Thumbnailer> thumbnailer;
     std::shared_ptr<RunningApplications> runningApplications;
     std::shared_ptr<ServiceBus> serviceBus;
     std::shared_ptr<DiskStatistics> diskStatistics;
@@ -102,6 +104,9 @@ template <class Port>
 }
 [[nodiscard]] inline ImageCodec& imageCodec() {
     return detail::inForce(services().imageCodec, "ImageCodec");
+}
+[[nodiscard]] inline Thumbnailer& thumbnailer() {
+    return detail::inForce(services().thumbnailer, "Thumbnailer");
 }
 [[nodiscard]] inline RunningApplications& runningApplications() {
     return detail::inForce(services().runningApplications, "RunningApplications");

@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include "platform/fake/FakeImageCodec.h"
 #include "platform/ports/Image.h"
 #include "support/ReportingTool.h"
 #include "support/TemporaryFolder.h"
@@ -176,7 +177,7 @@ TEST(VolumeUtilityObject, FrameRateIs30WhereTheReportDoesNotSay) {
 // ---- posters
 
 /// What the codec of the test reads from a file: as many pixels in a row as the file has bytes.
-class CountingCodec final : public platform::ImageCodec {
+class CountingCodec final : public platform::FakeImageCodec {
 public:
     std::optional<platform::Image> load(const std::string& path) const override {
         const auto bytes = static_cast<std::uint32_t>(test::fileContents(path).size());
