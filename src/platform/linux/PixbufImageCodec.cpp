@@ -34,17 +34,20 @@ FileDescriptor openedRegularFile(const std::string& path) {
     return file;
 }
 
-std::optional<Image> inMemory(const GdkPixbuf* picture, bool alphaIsMultiplied) {
+bool isOpaque(const Image& image) {
+    for (std::size_t at = 3; at < image.rgba.size(); at += 4) {
+        if (image.rgba[at] != std::byte{0xFF}) return false;
+    }
+    return true;
+}
+
+std::optional<Image> inMemory(const GdkPixbuf* picture, bool isTiff) {
     const int channels = gdk_pixbuf_get_n_channels(picture);
     if (gdk_pixbuf_get_bits_per_sample(picture) != 8 || channels < 3) return std::nullopt;
     Image image;
     image.width = static_cast<std::uint32_t>(gdk_pixbuf_get_width(picture));
     image.height = static_cast<std::uint32_t>(gdk_pixbuf_get_height(picture));
     image.rgba.resize(std::size_t{4} * image.width * image.height);
-    if (channels == 3)
-        image.alpha = AlphaKind::none;
-    else if (alphaIsMultiplied)
-        image.alpha = AlphaKind::premultipliedFirst;
     const auto stride = static_cast<std::size_t>(gdk_pixbuf_get_rowstride(picture));
     const guint8* const pixels = gdk_pixbuf_read_pixels(picture);
     std::byte* to = image.rgba.data();
@@ -54,6 +57,11 @@ std::optional<Image> inMemory(const GdkPixbuf* picture, bool alphaIsMultiplied) 
             std::memcpy(to, from, 3);
             to[3] = channels == 4 ? std::byte{from[3]} : std::byte{0xFF};
         }
+    }
+    if (channels == 3 || (isTiff && isOpaque(image))) {
+        image.alpha = AlphaKind::none;
+    } else if (isTiff) {
+        image.alpha = AlphaKind::premultipliedFirst;
     }
     return image;
 }

@@ -4,8 +4,8 @@
 
 namespace qrx::platform {
 
-/// Every format that gdk-pixbuf has a loader for. Loaders give the colours of a TIFF with opacity
-/// multiplied by it, those of every other format straight.
+/// Every format that gdk-pixbuf has a loader for. Its TIFF loader always gives an opacity, with the
+/// colours multiplied by it; here a TIFF that is opaque throughout has none.
 class PixbufImageCodec final : public ImageCodec {
 public:
     /// The size is looked at as soon as the file tells it, before anything is allocated for it.
