@@ -93,13 +93,18 @@ FfmpegMedia& FfmpegMedia::shared() {
 }
 
 std::string FfmpegMedia::file(const std::string& name, const std::vector<std::string>& arguments) {
+    return fileBeside(name, name, arguments);
+}
+
+std::string FfmpegMedia::fileBeside(const std::string& name, const std::string& written,
+                                    const std::vector<std::string>& arguments) {
     if (const auto known = made_.find(name); known != made_.end()) return known->second;
 
     std::string path = folder_ / name;
     std::filesystem::create_directories(std::filesystem::path(path).parent_path());
     std::vector<std::string> all{"-nostdin", "-hide_banner", "-v", "error", "-y"};
     all.insert(all.end(), arguments.begin(), arguments.end());
-    all.push_back(path);
+    all.push_back(folder_ / written);
     const Finished finished = runTool("ffmpeg", all);
     if (finished.exitStatus != 0 || !std::filesystem::exists(path)) {
         throw std::runtime_error("ffmpeg could not write " + name + " (status " +

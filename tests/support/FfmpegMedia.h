@@ -23,6 +23,11 @@ public:
     [[nodiscard]] std::string file(const std::string& name,
                                    const std::vector<std::string>& arguments);
 
+    /// Full path of the file `name` that `ffmpeg <arguments> <path of written>` leaves beside the
+    /// one that it is told to write: the media of a playlist. Both lie in one folder.
+    [[nodiscard]] std::string fileBeside(const std::string& name, const std::string& written,
+                                         const std::vector<std::string>& arguments);
+
     /// Full path of a plain text file in the same folder.
     [[nodiscard]] std::string text(const std::string& name, const std::string& contents);
 
