@@ -21,7 +21,8 @@ import statistics
 import subprocess
 import sys
 import tempfile
-import time
+
+from measuring import Runner
 
 LEAST_OVER_MEDIAINFO, LEAST_OVER_EXIFTOOL, MOST_SERIES_SECONDS = 5, 10, 1.0
 
@@ -31,19 +32,6 @@ PIECE = """<?xml version="1.0" encoding="UTF-8" standalone="no"?>\r
 <GlobalShotID>{shot:064X}</GlobalShotID><Connection><Top><GlobalClipID>{shot:064X}</GlobalClipID></Top>
 {links}</Connection></Relation></ClipContent></P2Main>\r
 """
-
-
-def timed(command):
-    """Seconds and output of one run."""
-    with tempfile.TemporaryFile() as output:
-        begun = time.perf_counter()
-        done = subprocess.run(command, stdin=subprocess.DEVNULL, stdout=output,
-                              stderr=subprocess.DEVNULL, check=False)
-        seconds = time.perf_counter() - begun
-        if done.returncode != 0:
-            sys.exit(f"{command[0]} ended with status {done.returncode}")
-        output.seek(0)
-        return seconds, output.read()
 
 
 def make_card(qrx, folder, clips):
@@ -95,7 +83,7 @@ def make_recording(folder, pieces):
 
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("programs", type=pathlib.Path, help="folder of qrx")
+    parser.add_argument("programs", type=pathlib.Path, help="folder of qrx and measured_run")
     parser.add_argument("--clips", type=int, default=200)
     parser.add_argument("--pieces", type=int, default=2000)
     parser.add_argument("--runs", type=int, default=5)
@@ -105,6 +93,7 @@ def main():
             sys.exit(f"{tool} is not installed")
 
     qrx = given.programs.resolve() / "qrx"
+    runner = Runner(given.programs)
     with tempfile.TemporaryDirectory(prefix="qrx-info-peers-") as name:
         folder = pathlib.Path(name)
         card, videos = make_card(qrx, folder, given.clips)
@@ -118,13 +107,16 @@ def main():
         seconds = {what: [] for what in commands}
         for run in range(given.runs + 1):
             for what, command in commands.items():
-                took, output = timed(command)
+                done = runner.run(command)
+                if done.status != 0:
+                    sys.exit(f"{what} ended with status {done.status}")
+                output = done.output.read()
                 if what == "qrx info" and len(json.loads(output)) != given.clips:
                     sys.exit("qrx info did not answer for every clip")
                 if what == "qrx series" and output.count(b"LR.MXF") < given.pieces:
                     sys.exit("qrx series did not name every piece")
                 if run > 0:  # the first run warms the cache
-                    seconds[what].append(took)
+                    seconds[what].append(done.seconds)
 
     medians = {what: statistics.median(took) for what, took in seconds.items()}
     over_mediainfo = medians["mediainfo"] / medians["qrx info"]

@@ -10,13 +10,12 @@ than 60 MB.
 """
 
 import argparse
-import os
 import pathlib
 import statistics
-import subprocess
 import sys
 import tempfile
-import time
+
+from measuring import Runner
 
 CLIPS_PER_CARD = 1000
 CLIP = (b"\x00\x00\x00\x00\x47\x40\x00\x10" + b"\xff" * 184) * 8
@@ -31,26 +30,13 @@ def make_clips(folder, count):
         (stream / f"{number % CLIPS_PER_CARD:05}.MTS").write_bytes(CLIP)
 
 
-def timed(command):
-    """Seconds, output and peak memory in kilobytes of one run."""
-    with tempfile.TemporaryFile() as output:  # a pipe would measure its reader too
-        begun = time.perf_counter()
-        process = subprocess.Popen(command, stdin=subprocess.DEVNULL, stdout=output)
-        _, status, usage = os.wait4(process.pid, 0)
-        seconds = time.perf_counter() - begun
-        process.returncode = os.waitstatus_to_exitcode(status)
-        if process.returncode != 0:
-            sys.exit(f"{command[0]} ended with status {process.returncode}")
-        output.seek(0)
-        return seconds, output.read(), usage.ru_maxrss
-
-
 def main():
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
-    parser.add_argument("programs", type=pathlib.Path, help="folder of qrx and scan_floor")
+    parser.add_argument("programs", type=pathlib.Path, help="folder of qrx, scan_floor and measured_run")
     parser.add_argument("--runs", type=int, default=15)
     parser.add_argument("--clips", type=int, default=5000)
     given = parser.parse_args()
+    runner = Runner(given.programs)
 
     scans, floors, kilobytes = [], [], []
     with tempfile.TemporaryDirectory(prefix="qrx-scan-floor-") as folder:
@@ -58,18 +44,20 @@ def main():
         scan = [given.programs / "qrx", "scan", folder]
         floor = [given.programs / "scan_floor", folder]
         for run in range(given.runs + 1):
-            floor_seconds, floor_output, _ = timed(floor)
-            scan_seconds, scan_output, peak = timed(scan)
-            if int(floor_output) != given.clips:
-                sys.exit(f"the floor program saw {int(floor_output)} files")
-            rows = scan_output.splitlines()[1:]  # behind the header
+            floor_run, scan_run = runner.run(floor), runner.run(scan)
+            if floor_run.status != 0 or scan_run.status != 0:
+                sys.exit(f"exit status {floor_run.status} of the floor, {scan_run.status} of qrx")
+            files = int(floor_run.output.read())
+            if files != given.clips:
+                sys.exit(f"the floor program saw {files} files")
+            rows = scan_run.output.read().splitlines()[1:]  # behind the header
             claimed = sum(row.startswith(b"Sony NXCAM AVCHD ") for row in rows)
             if claimed != given.clips or len(rows) != given.clips:
                 sys.exit(f"the scan claimed {claimed} clips in {len(rows)} rows")
             if run > 0:  # the first only warms the caches
-                floors.append(floor_seconds)
-                scans.append(scan_seconds)
-                kilobytes.append(peak)
+                floors.append(floor_run.seconds)
+                scans.append(scan_run.seconds)
+                kilobytes.append(scan_run.kilobytes)
 
     scan, floor, peak = statistics.median(scans), statistics.median(floors), max(kilobytes)
     allowed = ALLOWED_RATIO * floor + ALLOWED_EXTRA_SECONDS
