@@ -4,12 +4,10 @@ import json
 import os
 import shutil
 import signal
-import subprocess
-import tempfile
 import time
-import unittest
 
 import cards
+import mounted
 import qrx_case
 
 CUEUP = b"""<?xml version="1.0" encoding="UTF-8"?>
@@ -47,31 +45,7 @@ class ResetUsage(qrx_case.QrxCase):
         self.assertIn(b"there is no layout Nobody's", done.stderr)
 
 
-@unittest.skipUnless(os.geteuid() == 0, "only root may mount")
-class Reset(qrx_case.QrxCase):
-    def setUp(self):
-        super().setUp()
-        image = self.folder / "card.img"
-        subprocess.run(["/sbin/mkfs.ext4", "-q", "-N", "12000", image, "32M"],
-                       check=True, stdout=subprocess.DEVNULL)
-        os.makedirs("/media", exist_ok=True)
-        self.card = tempfile.mkdtemp(prefix="qrx-test-", dir="/media")
-        self.addCleanup(os.rmdir, self.card)
-        mount = subprocess.run(["mount", "-o", "loop", image, self.card], capture_output=True,
-                               text=True)
-        if mount.returncode != 0:
-            self.skipTest("no loop mounts here: " + mount.stderr.strip())
-        self.addCleanup(subprocess.run, ["umount", self.card], check=True)
-        os.rmdir(os.path.join(self.card, "lost+found"))
-
-    def below_card(self):
-        """Everything on the card, as paths from its root."""
-        found = []
-        for folder, folders, files in os.walk(os.fsencode(self.card)):
-            found += [os.path.relpath(os.path.join(folder, name), os.fsencode(self.card))
-                      for name in folders + files]
-        return sorted(found)
-
+class Reset(mounted.MountedCase):
     def layouts(self):
         drives = json.loads(self.run_qrx("drives", "--format", "json").stdout)
         (card,) = [drive for drive in drives if drive["filePath"] == self.card]
@@ -111,11 +85,19 @@ class Reset(qrx_case.QrxCase):
         self.assertIn(f"  removed {self.card}/CONTENTS/CLIP/0002BB.XML", lines)
         self.assertEqual(sum(line.startswith("  removed") for line in lines), 6)
         self.assertEqual(lines[-1], "The card is reset.")
+        self.assertFalse([line for line in lines if "._LASTCLIP" in line or "failed" in line])
         self.assertEqual(self.below_card(), sorted(
             [b"CONTENTS", b"CONTENTS/AUDIO", b"CONTENTS/CLIP", b"CONTENTS/VIDEO",
              b"LASTCLIP.TXT"]))
         self.assertIn("Panasonic P2", self.layouts())
         self.assertEqual(self.reset("--yes").splitlines()[-1], "The card is reset.")
+
+    def test_p2_marker_left_by_another_system_goes(self):
+        self.p2_card()
+        self.write(f"{self.card}/._LASTCLIP.TXT")
+        lines = self.reset("--yes").splitlines()
+        self.assertIn(f"  removed {self.card}/._LASTCLIP.TXT", lines)
+        self.assertFalse(os.path.exists(f"{self.card}/._LASTCLIP.TXT"))
 
     def test_p2_reset_is_refused_where_its_marker_cannot_be_put_back(self):
         self.p2_card()

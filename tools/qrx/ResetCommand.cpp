@@ -8,9 +8,11 @@
 #include <fmt/format.h>
 
 #include "foundation/FileQuestions.h"
+#include "foundation/FolderListing.h"
 #include "foundation/QRXFileSystemUtility.h"
 #include "qrx/Commands.h"
 #include "qrx/Names.h"
+#include "qrx/RemovalTrouble.h"
 #include "qrx/ShownText.h"
 #include "volumes/DriveReset.h"
 #include "volumes/QRXHDMediaVolumeAggregate.h"
@@ -28,6 +30,9 @@ DRIVE is the folder at which the card is mounted. It must be a removable drive
 (see qrx drives), and the drive test of the layout must say yes. Where those of
 several layouts do, the first that has a reset is taken and named; --layout
 chooses another of them. Links are removed and never followed.
+
+The reset of RED One removes the drive's folder itself; where a card is mounted
+that folder stays, and the card is reset when nothing is left on it.
 
 After Ctrl-C nothing more is removed; what puts the layout back is still done.
 
@@ -108,6 +113,9 @@ public:
     int run() {
         if (const auto why = whyMissing(drive_)) return refuse(*why);
         if (!isRemovable(drive_)) return refuse("is not a removable drive (see qrx drives)");
+        if (isOnReadOnlyFileSystem(drive_)) {
+            return refuse("is mounted read-only; is the card's write protection on?");
+        }
         const Utilities confirming = utilitiesConfirming(drive_);
         if (confirming.empty()) return refuse("no layout's drive test says yes");
         const Utility* const utility = chosen(confirming);
@@ -164,16 +172,36 @@ private:
         return text + "\n";
     }
 
+    /// The step would remove the folder at which the card is mounted: that one cannot go.
+    [[nodiscard]] bool emptiesTheCard(const ResetStep& step) const {
+        return step.kind == ResetStep::Kind::remove && step.path == drive_ && isMountPoint(drive_);
+    }
+
+    /// What the step removes, each folder after what is in it.
+    [[nodiscard]] FilePaths removals(const ResetStep& step) const {
+        FilePaths items = itemsToRemove(step);
+        if (emptiesTheCard(step)) items.pop_back();
+        return items;
+    }
+
+    [[nodiscard]] std::string phrase(const ResetStep& step) const {
+        if (emptiesTheCard(step)) {
+            return "remove all that is on " + shown(drive_) + "; the folder itself stays";
+        }
+        return shown(description(step));
+    }
+
     int showPlan() {
         for (const ResetStep& step : plan_) {
-            std::string text = shown(description(step));
+            std::string text = phrase(step);
             if (isRemoval(step)) {
-                const std::size_t count = itemsToRemove(step).size();
+                const std::size_t count = removals(step).size();
                 text += fmt::format(" ({} {})", count, count == 1 ? "item" : "items");
             }
             session_.output.write("  " + text + "\n");
         }
-        session_.output.write("Nothing was changed; --yes carries this out.\n");
+        session_.output.write(plan_.empty() ? "There is nothing to remove.\n"
+                                            : "Nothing was changed; --yes carries this out.\n");
         return kDone;
     }
 
@@ -194,16 +222,43 @@ private:
 
     /// Whether the reset may go on.
     bool taken(const ResetStep& step) {
-        const FilePaths items = itemsToRemove(step);
+        const FilePaths items = removals(step);
+        // The tool says no where there is nothing, and so does the log.
+        const bool isIdle = step.kind == ResetStep::Kind::removeByTool && items.empty();
+        bool isEmptied = false;
         const bool goesOn = carryOut({step}, [&](const ResetStep&, bool succeeded) {
+            FilePaths left;
             for (const FilePath& item : items) {
-                if (!isThere(item)) session_.output.write("  removed " + shown(item) + "\n");
+                if (isThere(item)) {
+                    left.push_back(item);
+                } else {
+                    session_.output.write("  removed " + shown(item) + "\n");
+                }
             }
-            session_.output.write((succeeded ? "  done: " : "  failed: ") +
-                                  shown(description(step)) + "\n");
+            isEmptied = emptiesTheCard(step) && namesInFolder(drive_) == FilePaths{};
+            if (!isIdle) {
+                session_.output.write((succeeded || isEmptied ? "  done: " : "  failed: ") +
+                                      phrase(step) + "\n");
+            }
+            if (!succeeded && !isEmptied) sayWhy(step, left);
         });
         session_.output.flush();
-        return goesOn;
+        return goesOn || isEmptied;
+    }
+
+    /// Of a step that failed: how much it left, and the first item that shows a reason.
+    void sayWhy(const ResetStep& step, const FilePaths& left) {
+        if (!left.empty()) {
+            session_.console.say(fmt::format("{}: {} not removed", shown(drive_),
+                                             left.size() == 1
+                                                 ? std::string("1 item was")
+                                                 : fmt::format("{} items were", left.size())));
+        }
+        for (const FilePath& item : isRemoval(step) ? left : FilePaths{step.path}) {
+            if (const auto why = whyNotRemovable(item)) {
+                return session_.console.say(shown(item) + ": " + *why);
+            }
+        }
     }
 
     const ResetOptions& options_;

@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <string>
 
 #include <gtest/gtest.h>
@@ -5,6 +6,7 @@
 #include "foundation/FileQuestions.h"
 #include "platform/fake/FakeMountTable.h"
 #include "platform/ports/Services.h"
+#include "support/MountedImage.h"
 #include "support/TemporaryFolder.h"
 #include "volumes/QRXREDOneUtility.h"
 
@@ -128,6 +130,17 @@ TEST_F(REDOne, KeptFormattingRemovesTheFolderItself) {
     EXPECT_FALSE(itemExists(card / "drive"));
     EXPECT_TRUE(fileExists(card / "beside"));
     EXPECT_FALSE(utility_.formatDriveToMatchValidVolumeStructure(card / "drive")) << "gone already";
+}
+
+TEST_F(REDOne, KeptFormattingAMountedCardEmptiesItAndAnswersNo) {
+    const test::MountedImage image;
+    ASSERT_EQ(image.refusal(), "") << "a card has to be mounted for this";
+    const FilePath clip = image.mountPoint() + "/A001.RDM/C.RDC";
+    std::filesystem::create_directories(clip);
+    std::filesystem::create_directories(image.mountPoint() + "/elsewhere");
+    EXPECT_FALSE(utility_.formatDriveToMatchValidVolumeStructure(image.mountPoint()));
+    EXPECT_TRUE(std::filesystem::is_empty(image.mountPoint()));
+    EXPECT_FALSE(utility_.formatDriveToMatchValidVolumeStructure(image.mountPoint()));
 }
 
 TEST_F(REDOne, FormattingALinkRemovesTheLink) {
