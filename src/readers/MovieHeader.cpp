@@ -40,6 +40,22 @@ bool takeTimes(MovieDescription& movie, ByteWindow& window, const Box& mvhd) {
     return true;
 }
 
+/// Time scale and duration stand behind the times.
+void takeDuration(MovieDescription& movie, ByteWindow& window, const Box& mvhd) {
+    const auto version = payloadBytes(window, mvhd, 0, 4);
+    if (!version) return;
+    const bool isLong = std::to_integer<int>(version->front()) == 1;
+    const auto fields =
+        isLong ? payloadBytes(window, mvhd, 20, 12) : payloadBytes(window, mvhd, 12, 8);
+    if (!fields) return;
+    const std::uint32_t unitsPerSecond = bigEndian32(*fields);
+    const std::uint64_t units =
+        isLong ? bigEndian64(fields->subspan(4)) : bigEndian32(fields->subspan(4));
+    const std::uint64_t notKnown = isLong ? UINT64_MAX : UINT32_MAX;
+    if (unitsPerSecond == 0 || units == 0 || units == notKnown) return;
+    movie.durationSeconds = static_cast<double>(units) / unitsPerSecond;
+}
+
 /// Of the track as it is shown, before any rotation.
 PictureSize sizeInTrackHeader(ByteWindow& window, const Box& tkhd) {
     const auto version = payloadBytes(window, tkhd, 0, 1);
@@ -119,6 +135,7 @@ std::optional<MovieDescription> describe(ByteWindow& window, const Box& moov, Pa
     while (const auto box = boxes.next()) {
         if (box->type == fourCharacters("mvhd")) {
             hasHeader = takeTimes(movie, window, *box) || hasHeader;
+            takeDuration(movie, window, *box);
         } else if (box->type == fourCharacters("trak")) {
             if (movie.tracks.size() >= kMostTracks) continue;
             if (auto track = describeTrack(window, *box)) movie.tracks.push_back(std::move(*track));

@@ -82,6 +82,38 @@ TEST(MovieHeader, AMovieHeaderTooShortForItsTimesIsNone) {
     EXPECT_EQ(tracks(movieWith(box("mvhd", bigEndian32(0x01000000) + zeros(16)))), "0 0 0 0 0");
 }
 
+std::optional<double> duration(const std::string& header) {
+    const auto movie = describe(movieWith(header + track("vide")));
+    return movie ? movie->durationSeconds : std::nullopt;
+}
+
+std::string header32(std::uint32_t unitsPerSecond, std::uint32_t units) {
+    return box("mvhd", zeros(12) + bigEndian32(unitsPerSecond) + bigEndian32(units));
+}
+
+std::string header64(std::uint32_t unitsPerSecond, std::uint64_t units) {
+    return box("mvhd", bigEndian32(0x01000000) + zeros(16) + bigEndian32(unitsPerSecond) +
+                           test::bigEndian64(units));
+}
+
+TEST(MovieHeader, TellsTheDuration) {
+    EXPECT_EQ(duration(movieHeader()), 1.0);
+    EXPECT_EQ(duration(movieHeader64(0, 0)), 1.0);
+    EXPECT_EQ(duration(header32(30000, 45045)), 1.5015);
+    EXPECT_EQ(duration(header64(1, std::uint64_t{1} << 40U)), 1099511627776.0);
+}
+
+TEST(MovieHeader, ADurationThatIsNotSaidIsNotKnown) {
+    for (const std::string& header :
+         {header32(0, 600), header32(600, 0), header32(600, UINT32_MAX), header64(0, 600),
+          header64(600, 0), header64(600, UINT64_MAX), std::string()}) {
+        EXPECT_EQ(duration(header), std::nullopt);
+    }
+    for (std::size_t cut = 0; cut < 20; ++cut) {
+        EXPECT_EQ(duration(box("mvhd", std::string(cut, '\1'))), std::nullopt) << cut;
+    }
+}
+
 TEST(MovieHeader, ATrackWithoutHandlerIsNoTrack) {
     EXPECT_EQ(tracks(movieWith(movieHeader() + box("trak") + box("trak", trackHeader(1, 1)) +
                                box("trak", box("mdia")) +
