@@ -19,6 +19,7 @@ void addSeriesCommand(CLI::App& program, Job& job);
 void addCallCommand(CLI::App& program, Job& job);
 void addOrderCommand(CLI::App& program, Job& job);
 void addResetCommand(CLI::App& program, Job& job);
+void addReportCommand(CLI::App& program, Job& job);
 void addHelpCommand(CLI::App& program, Job& job);
 
 /// Empty when the text is a number of seconds that can be waited for, else what is wrong with it.

@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <array>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,12 +9,12 @@
 #include <nlohmann/json.hpp>
 
 #include "foundation/Text.h"
+#include "qrx/ClipInfo.h"
 #include "qrx/Commands.h"
 #include "qrx/JsonText.h"
 #include "qrx/Names.h"
 #include "qrx/ShownText.h"
 #include "qrx/ToolReports.h"
-#include "timecode/QRXTimecodeUtility.h"
 #include "volumes/QRXHDMediaVolumeAggregate.h"
 
 namespace qrx::tool {
@@ -38,68 +37,6 @@ struct InfoOptions {
     std::vector<std::string> files;
     std::string format = "text";
 };
-
-struct FoundValue {
-    std::string identifier;
-    std::string description;
-    std::string value;
-};
-
-/// What the utility of a clip answers about it.
-struct ClipInfo {
-    FilePath file;
-    std::string volumeTitle;
-    std::uint64_t volumeType = 0;
-    QRXVideoFrameRate frameRate = QRXVideoFrameRateUndefined;
-    std::optional<std::string> uniqueIdentifier;
-    std::string startTimecode;
-    std::optional<std::string> endTimecode;
-    bool isDropFrame = false;
-    std::optional<FilePath> sidecar;
-    std::optional<FilePaths> audioFiles;
-    bool isSpanned = false;
-    std::optional<std::string> spanKey;
-    std::string volumeKey;
-    std::vector<FoundValue> metadata;
-};
-
-std::string rateName(QRXVideoFrameRate rate) {
-    static constexpr std::array kNames{"24", "23.976", "PAL", "25", "50i",      "29.97",
-                                       "30", "59.94i", "50p", "60", "undefined"};
-    static_assert(kNames.size() == QRXVideoFrameRateUndefined + 1);
-    return rate < kNames.size() ? kNames.at(rate) : "undefined";
-}
-
-std::vector<FoundValue> foundValues(const QRXMetadataWrapper& wrapper) {
-    std::vector<FoundValue> found;
-    for (const auto& key : wrapper.metadataKeys()) {
-        auto value = key->keyValue();
-        if (!value || *value == QRXMediaMetadataNotFound) continue;
-        found.push_back({.identifier = key->keyIdentifier().value_or(""),
-                         .description = key->keyDescription().value_or(""),
-                         .value = std::move(*value)});
-    }
-    return found;
-}
-
-ClipInfo infoOf(const FilePath& file, const QRXHDMediaVolumeUtilityObject& utility) {
-    return {
-        .file = file,
-        .volumeTitle = utility.volumeTitle(),
-        .volumeType = utility.volumeType(),
-        .frameRate = utility.framerateForVideoFile(file),
-        .uniqueIdentifier = utility.uniqueIdentifierForVideoFile(file),
-        .startTimecode = utility.startTimecodeForVideoFile(file),
-        .endTimecode = utility.endTimecodeForVideoFile(file),
-        .isDropFrame = utility.videoFileIsDropFrame(file),
-        .sidecar = utility.metadataFilePathForVideoFile(file),
-        .audioFiles = utility.audioFilesForVideoFile(file),
-        .isSpanned = utility.fileIsInASpannedSeries(file),
-        .spanKey = utility.spanPartnerIdentifierForPath(file),
-        .volumeKey = utility.volumePartnerIdentifierForFilePath(file),
-        .metadata = foundValues(utility.metadataWrapperForVideoFilePath(file)),
-    };
-}
 
 // ---- as text
 

@@ -156,6 +156,7 @@ int run(int argc, char** argv) {
     addCallCommand(program, job);
     addOrderCommand(program, job);
     addResetCommand(program, job);
+    addReportCommand(program, job);
     addHelpCommand(program, job);
     try {
         program.parse(argumentsFrom(argc, argv));
