@@ -31,8 +31,8 @@ struct MovieDescription {
     std::optional<std::string> displayName;  ///< from the user data, else the file's name
     std::optional<MovieTime> creationTime;   ///< absent when the header says 0
     std::optional<MovieTime> modificationTime;
-    /// Of the whole movie, from the movie header; absent where it says 0, as fragmented files do, or
-    /// that it is not known, and for files that have no such header (AVI, WAV, AIFF).
+    /// Of the whole movie, from the movie header; absent where it says 0, as fragmented files do,
+    /// or that it is not known, and for files that have no such header (AVI, WAV, AIFF).
     std::optional<double> durationSeconds{};
 
     [[nodiscard]] std::size_t count(TrackMedia media) const;
