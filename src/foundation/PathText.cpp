@@ -91,11 +91,15 @@ std::string lastPathComponent(std::string_view path) {
     return std::string(lastPathComponentView(path));
 }
 
-FilePath withoutLastPathComponent(std::string_view path) {
+std::string_view withoutLastPathComponentView(std::string_view path) {
     const std::string_view trimmed = withoutTrailingSlashes(path);
     const std::size_t slash = trimmed.rfind('/');
     if (slash == std::string_view::npos) return {};
-    return FilePath(withoutTrailingSlashes(trimmed.substr(0, slash + 1)));
+    return withoutTrailingSlashes(trimmed.substr(0, slash + 1));
+}
+
+FilePath withoutLastPathComponent(std::string_view path) {
+    return FilePath(withoutLastPathComponentView(path));
 }
 
 std::string pathExtension(std::string_view path) {

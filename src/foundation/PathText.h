@@ -21,6 +21,8 @@ namespace qrx {
 
 /// "/a/b/" gives "/a"; "/a" gives "/"; "a" gives ""; "/a//b" gives "/a".
 [[nodiscard]] FilePath withoutLastPathComponent(std::string_view path);
+/// As `withoutLastPathComponent`, as a view into `path`.
+[[nodiscard]] std::string_view withoutLastPathComponentView(std::string_view path);
 
 /// Of the last component, the text after its last "."; "" where the only "." comes first or there
 /// is none.

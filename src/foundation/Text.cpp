@@ -30,6 +30,22 @@ bool isLineEnd(char32_t code) {
     return (code >= 0x0A && code <= 0x0D) || code == 0x85 || code == 0x2028 || code == 0x2029;
 }
 
+/// `text`, which is ASCII, with `map` applied to each character. Goes by blocks because compilers
+/// make vector instructions of a loop whose length they know.
+template <class Map>
+std::string mappedAscii(std::string_view text, Map map) {
+    constexpr std::size_t kBlock = 16;
+    std::string mapped(text);
+    char* at = mapped.data();
+    std::size_t left = mapped.size();
+    for (; left >= kBlock; left -= kBlock, at += kBlock) {
+        for (std::size_t i = 0; i < kBlock; ++i)
+            at[i] = map(at[i]);
+    }
+    std::transform(at, at + left, at, map);
+    return mapped;
+}
+
 /// `text` without the characters at both ends for which `drops` answers YES.
 template <class Drops>
 std::string trimmed(std::string_view text, Drops drops) {
@@ -74,17 +90,11 @@ int compareAsciiIgnoringCase(std::string_view a, std::string_view b) {
 }  // namespace
 
 std::string upperCased(std::string_view text) {
-    if (!isAscii(text)) return platform::textRules().upperCased(text);
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(), asciiUpper);
-    return result;
+    return isAscii(text) ? mappedAscii(text, asciiUpper) : platform::textRules().upperCased(text);
 }
 
 std::string lowerCased(std::string_view text) {
-    if (!isAscii(text)) return platform::textRules().lowerCased(text);
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(), asciiLower);
-    return result;
+    return isAscii(text) ? mappedAscii(text, asciiLower) : platform::textRules().lowerCased(text);
 }
 
 bool beginsWith(std::string_view text, std::string_view pattern) {
@@ -97,6 +107,15 @@ bool endsWith(std::string_view text, std::string_view pattern) {
 
 bool contains(std::string_view text, std::string_view pattern) {
     return find(text, pattern).has_value();
+}
+
+bool containsInARow(std::string_view text, std::string_view first, std::string_view second) {
+    if (first.empty()) return contains(text, second);
+    while (const auto at = find(text, first)) {
+        if (text.substr(*at + first.size()).starts_with(second)) return true;
+        text.remove_prefix(*at + 1);
+    }
+    return false;
 }
 
 std::optional<std::size_t> find(std::string_view text, std::string_view pattern) {

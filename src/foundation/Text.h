@@ -21,6 +21,9 @@ namespace qrx {
 [[nodiscard]] bool beginsWith(std::string_view text, std::string_view pattern);
 [[nodiscard]] bool endsWith(std::string_view text, std::string_view pattern);
 [[nodiscard]] bool contains(std::string_view text, std::string_view pattern);
+/// As `contains` for the pattern that `first` and `second` give when joined.
+[[nodiscard]] bool containsInARow(std::string_view text, std::string_view first,
+                                  std::string_view second);
 
 /// Byte position of the first occurrence; nothing when there is none or `pattern` is empty.
 [[nodiscard]] std::optional<std::size_t> find(std::string_view text, std::string_view pattern);

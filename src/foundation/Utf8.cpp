@@ -99,6 +99,7 @@ void appendUtf8(std::string& text, char32_t code) {
 }
 
 bool isUtf8(std::string_view text) {
+    if (isAscii(text)) return true;
     while (!text.empty()) {
         const Utf8Step step = firstUtf8Step(text);
         if (!step.wellFormed) return false;

@@ -2,6 +2,7 @@
 
 #include <string_view>
 
+#include "foundation/FilePath.h"
 #include "foundation/FileQuestions.h"
 #include "foundation/Text.h"
 
@@ -14,12 +15,6 @@ constexpr std::string_view kStreamFolder = "/AVCHD/BDMV/STREAM/";
 constexpr std::string_view kPrivateStreamFolder = "/PRIVATE/AVCHD/BDMV/STREAM/";
 constexpr std::string_view kCanonFolder = "/PRIVATE/AVCHD/CANON";
 constexpr std::string_view kClipSuffix = ".MTS";
-
-std::string followedBy(std::string_view folder, std::string_view name) {
-    std::string text(folder);
-    text += name;
-    return text;
-}
 
 }  // namespace
 
@@ -34,7 +29,7 @@ CheckVerdict liesBelowStreamFolder(const QRXHDMediaVolumeUtilityObject&, Examine
 CheckVerdict standsInStreamFolder(const QRXHDMediaVolumeUtilityObject&, ExaminedPath& path) {
     // KEPT: the name is sought as it stands in a path made upper case, so a clip whose name has a
     // small letter is never found. Such a clip is left to the ffmpeg tool.
-    return passesIf(contains(path.upperCased(), followedBy(kStreamFolder, path.fileName())));
+    return passesIf(containsInARow(path.upperCased(), kStreamFolder, path.fileName()));
 }
 
 CheckVerdict isTransportStream(const QRXHDMediaVolumeUtilityObject&, ExaminedPath& path) {
@@ -44,13 +39,13 @@ CheckVerdict isTransportStream(const QRXHDMediaVolumeUtilityObject&, ExaminedPat
 CheckVerdict hasCanonFolder(const QRXHDMediaVolumeUtilityObject&, ExaminedPath& path) {
     // The case of the path counts here: below "private/avchd" no card root is found.
     const std::string_view whole = path.path();
-    const std::string_view root =
-        whole.substr(0, find(whole, kPrivateFolder).value_or(whole.size()));
-    return passesIf(itemExists(followedBy(root, kCanonFolder)));
+    FilePath folder(whole.substr(0, find(whole, kPrivateFolder).value_or(whole.size())));
+    folder += kCanonFolder;
+    return passesIf(itemExists(folder));
 }
 
 CheckVerdict standsOutsidePrivate(const QRXHDMediaVolumeUtilityObject&, ExaminedPath& path) {
-    return passesIf(!contains(path.path(), followedBy(kPrivateStreamFolder, path.fileName())));
+    return passesIf(!containsInARow(path.path(), kPrivateStreamFolder, path.fileName()));
 }
 
 }  // namespace qrx::avchd

@@ -28,9 +28,8 @@ CheckVerdict isNamedByTheCamera(const QRXHDMediaVolumeUtilityObject&, ExaminedPa
 }
 
 CheckVerdict standsInAFolderOfDcim(const QRXHDMediaVolumeUtilityObject&, ExaminedPath& path) {
-    const std::string folder = lastPathComponent(withoutLastPathComponent(path.path()));
     std::string ending(kMediaFolder);
-    ending.append(folder).append("/").append(path.fileName());
+    ending.append(path.folderName()).append("/").append(path.fileName());
     return passesIf(endsWith(path.path(), ending));
 }
 

@@ -37,7 +37,7 @@ constexpr std::array<std::string_view, 4> kDriveItems{
 };
 
 CheckVerdict standsInClipFolder(const QRXHDMediaVolumeUtilityObject&, ExaminedPath& path) {
-    return passesIf(contains(path.path(), std::string(kClipFolder) + path.fileName()));
+    return passesIf(containsInARow(path.path(), kClipFolder, path.fileName()));
 }
 
 CheckVerdict isMovByName(const QRXHDMediaVolumeUtilityObject&, ExaminedPath& path) {

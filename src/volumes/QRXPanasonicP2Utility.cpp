@@ -24,6 +24,8 @@ namespace {
 
 constexpr std::string_view kVideoFolder = "/CONTENTS/VIDEO";
 constexpr std::string_view kAudioFolder = "/CONTENTS/AUDIO";
+constexpr std::string_view kInVideoFolder = "/CONTENTS/VIDEO/";
+constexpr std::string_view kInAudioFolder = "/CONTENTS/AUDIO/";
 constexpr std::string_view kClipSuffix = ".MXF";
 constexpr std::string_view kMarker = "LASTCLIP.TXT";
 constexpr std::array<std::string_view, 2> kDriveItems{"CONTENTS/VIDEO", kMarker};
@@ -31,17 +33,12 @@ constexpr std::array<std::string_view, 3> kIconExtensions{".jpg", ".jpeg", ".BMP
 constexpr int kAudioChannels = 4;
 constexpr std::size_t kNumberCharacters = 4;
 
-/// `folder` "/" `name`, as it must occur in a path.
-std::string inFolder(std::string_view folder, std::string_view name) {
-    return joinedPath(folder, name);
-}
-
 CheckVerdict liesBelowVideoFolder(const QRXHDMediaVolumeUtilityObject&, ExaminedPath& path) {
-    return passesIf(contains(path.path(), inFolder(kVideoFolder, "")));
+    return passesIf(contains(path.path(), kInVideoFolder));
 }
 
 CheckVerdict standsInVideoFolder(const QRXHDMediaVolumeUtilityObject&, ExaminedPath& path) {
-    return passesIf(contains(path.path(), inFolder(kVideoFolder, path.fileName())));
+    return passesIf(containsInARow(path.path(), kInVideoFolder, path.fileName()));
 }
 
 CheckVerdict isMxf(const QRXHDMediaVolumeUtilityObject&, ExaminedPath& path) {
@@ -142,7 +139,7 @@ bool QRXPanasonicP2Utility::pathContainsVideoFilesMatchingVolumeStructure(
 bool QRXPanasonicP2Utility::fileIsP2Audio(const FilePath& file) const {
     return answerOr(false, "fileIsP2Audio", [&] {
         ExaminedPath path(file);
-        return contains(file, inFolder(kAudioFolder, path.fileName())) &&
+        return containsInARow(file, kInAudioFolder, path.fileName()) &&
                endsWith(path.upperCased(), kClipSuffix);
     });
 }
@@ -180,8 +177,7 @@ std::optional<FilePath> QRXPanasonicP2Utility::audioFileForMovie(const FilePath&
 platform::Image QRXPanasonicP2Utility::posterImageForFilePath(
     const FilePath& file, const FilePath& imageOutputDirectory) const {
     return answerOr(platform::Image{}, "posterImageForFilePath", [&] {
-        const bool isClip =
-            filePathMatchesVolumeStructure(file) && contains(file, inFolder(kVideoFolder, ""));
+        const bool isClip = filePathMatchesVolumeStructure(file) && contains(file, kInVideoFolder);
         const auto icon = isClip ? iconOf(file) : std::nullopt;
         if (!icon) return QRXMXFUtility::posterImageForFilePath(file, imageOutputDirectory);
         return platform::imageCodec().load(*icon).value_or(platform::Image{});

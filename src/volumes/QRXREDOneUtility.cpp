@@ -24,15 +24,16 @@ constexpr std::string_view kRawSuffix = ".R3D";
 // The three suffixes in the lower case that the path test asks for.
 
 CheckVerdict isMovByName(const QRXHDMediaVolumeUtilityObject&, ExaminedPath& path) {
-    return passesIf(endsWith(lowerCased(path.path()), ".mov"));
+    return passesIf(endsWith(path.lowerCased(), ".mov"));
 }
 
 CheckVerdict standsInAClip(const QRXHDMediaVolumeUtilityObject&, ExaminedPath& path) {
-    return passesIf(endsWith(withoutLastPathComponent(lowerCased(path.path())), ".rdc"));
+    return passesIf(endsWith(withoutLastPathComponentView(path.lowerCased()), ".rdc"));
 }
 
 CheckVerdict standsInAReel(const QRXHDMediaVolumeUtilityObject&, ExaminedPath& path) {
-    return passesIf(endsWith(grandparentFolder(lowerCased(path.path())), ".rdm"));
+    const std::string_view clip = withoutLastPathComponentView(path.lowerCased());
+    return passesIf(endsWith(withoutLastPathComponentView(clip), ".rdm"));
 }
 
 constexpr std::array kClipChecks{

@@ -13,11 +13,19 @@ const std::string& ExaminedPath::upperCased() {
     return *upperCased_;
 }
 
-const std::string& ExaminedPath::fileName() {
-    if (!fileName_) {
-        fileName_ = lastPathComponent(path_);
+const std::string& ExaminedPath::lowerCased() {
+    if (!lowerCased_) {
+        lowerCased_ = qrx::lowerCased(path_);
     }
-    return *fileName_;
+    return *lowerCased_;
+}
+
+std::string_view ExaminedPath::fileName() const {
+    return lastPathComponentView(path_);
+}
+
+std::string_view ExaminedPath::folderName() const {
+    return lastPathComponentView(withoutLastPathComponentView(path_));
 }
 
 const QRXMetadataWrapper& ExaminedPath::ffmpegMetadata() {

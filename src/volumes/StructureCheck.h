@@ -24,8 +24,12 @@ public:
     [[nodiscard]] const FilePath& path() const { return path_; }
     /// The whole path in upper case.
     [[nodiscard]] const std::string& upperCased();
-    /// The last component, its case unchanged.
-    [[nodiscard]] const std::string& fileName();
+    /// The whole path in lower case.
+    [[nodiscard]] const std::string& lowerCased();
+    /// The last component, its case unchanged; a view into path().
+    [[nodiscard]] std::string_view fileName() const;
+    /// The last component of the folder that holds the file; a view into path().
+    [[nodiscard]] std::string_view folderName() const;
     /// What the ffmpeg tool's report says; the tool is run once, when first asked.
     [[nodiscard]] const QRXMetadataWrapper& ffmpegMetadata();
     /// Whether the path opened as a movie with picture or sound; nothing before that was tried.
@@ -35,7 +39,7 @@ public:
 private:
     const FilePath& path_;
     std::optional<std::string> upperCased_;
-    std::optional<std::string> fileName_;
+    std::optional<std::string> lowerCased_;
     std::optional<QRXMetadataWrapper> ffmpegMetadata_;
     std::optional<bool> movieProbe_;
 };

@@ -1,6 +1,5 @@
 #include "volumes/XdcamChecks.h"
 
-#include "foundation/PathText.h"
 #include "foundation/Text.h"
 
 namespace qrx::xdcam {
@@ -10,10 +9,9 @@ CheckVerdict isMp4(const QRXHDMediaVolumeUtilityObject&, ExaminedPath& path) {
 }
 
 CheckVerdict clipFolderStandsIn(std::string_view clipStore, ExaminedPath& path) {
-    std::string clipFolder(clipStore);
-    clipFolder += lastPathComponent(withoutLastPathComponent(path.path()));
+    std::string clipFolder(path.folderName());
     clipFolder += '/';
-    return passesIf(contains(path.path(), clipFolder));
+    return passesIf(containsInARow(path.path(), clipStore, clipFolder));
 }
 
 }  // namespace qrx::xdcam

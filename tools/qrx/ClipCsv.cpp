@@ -10,7 +10,7 @@ namespace {
 constexpr std::string_view kRecordEnd = "\r\n";
 
 std::string field(std::string_view text) {
-    if (text.find_first_of("\",") == std::string_view::npos) return std::string(text);
+    if (!contains(text, ",") && !contains(text, "\"")) return std::string(text);
     return '"' + replaceAll(text, "\"", "\"\"") + '"';
 }
 

@@ -1,5 +1,8 @@
-#include <nlohmann/json.hpp>
+#include <string>
+#include <vector>
 
+#include "foundation/Text.h"
+#include "qrx/Base64.h"
 #include "qrx/ClipWriter.h"
 #include "qrx/JsonText.h"
 
@@ -8,11 +11,14 @@ namespace qrx::tool {
 namespace {
 
 std::string clipText(const PathDictionary& clip) {
-    nlohmann::ordered_json record;
-    addPath(record, clip.filePath);
-    record["volumeTitle"] = clip.volumeTitle;
-    record["qt"] = clip.qt;
-    return jsonText(record, -1);
+    std::string text;
+    if (isUtf8(clip.filePath)) {
+        text.append(R"({"filePath":)").append(jsonString(clip.filePath));
+    } else {
+        text.append(R"({"filePathBytes":)").append(jsonString(base64(clip.filePath)));
+    }
+    text.append(R"(,"volumeTitle":)").append(jsonString(clip.volumeTitle));
+    return text.append(R"(,"qt":)").append(clip.qt ? "true}" : "false}");
 }
 
 class ClipJson final : public ClipWriter {
@@ -20,18 +26,26 @@ public:
     explicit ClipJson(Output& output) : output_(output) {}
 
     void add(const PathDictionary& clip) override {
-        text_ += text_.empty() ? "[\n  " : ",\n  ";
-        text_ += clipText(clip);
+        const bool isFirst = pieces_.empty();
+        if (isFirst || pieces_.back().size() >= kPieceBytes) startPiece();
+        pieces_.back().append(isFirst ? "[\n  " : ",\n  ").append(clipText(clip));
     }
 
     void finish() override {
-        output_.write(text_.empty() ? "[]\n" : text_ + "\n]\n");
+        for (const std::string& piece : pieces_) {
+            output_.write(piece);
+        }
+        output_.write(pieces_.empty() ? "[]\n" : "\n]\n");
         output_.flush();
     }
 
 private:
+    static constexpr std::size_t kPieceBytes = std::size_t{64} << 10U;
+
+    void startPiece() { pieces_.emplace_back().reserve(kPieceBytes + kPieceBytes / 16); }
+
     Output& output_;
-    std::string text_;
+    std::vector<std::string> pieces_;  ///< many: one long text would move, and be there twice
 };
 
 class ClipNdjson final : public ClipWriter {

@@ -1,7 +1,5 @@
 #include <algorithm>
 
-#include <fmt/core.h>
-
 #include "qrx/ClipWriter.h"
 #include "qrx/ShownText.h"
 
@@ -24,9 +22,9 @@ public:
     void add(const PathDictionary& clip) override {
         if (!hasHeader_) row("LAYOUT", "QT", "PATH");
         hasHeader_ = true;
-        const ShownText path(clip.filePath);
         row(clip.volumeTitle, clip.qt ? "yes" : "no",
-            pathColumns_ == 0 ? path.text() : path.fitted(pathColumns_));
+            pathColumns_ == 0 ? shown(clip.filePath)
+                              : ShownText(clip.filePath).fitted(pathColumns_));
         if (shape_.flushesEachRow) output_.flush();
     }
 
@@ -34,12 +32,21 @@ public:
 
 private:
     void row(std::string_view layout, std::string_view qt, std::string_view path) {
-        output_.write(
-            fmt::format("{:<{}}  {:<{}}  {}\n", layout, shape_.titleColumns, qt, kQtColumns, path));
+        line_.clear();
+        addCell(layout, shape_.titleColumns);
+        addCell(qt, kQtColumns);
+        line_.append(path).push_back('\n');
+        output_.write(line_);
+    }
+
+    /// The text, which is ASCII, in a column of that width, and the gap after it.
+    void addCell(std::string_view text, std::size_t columns) {
+        line_.append(text).append(std::max(columns, text.size()) - text.size() + kGap, ' ');
     }
 
     Output& output_;
     TableShape shape_;
+    std::string line_;             ///< under work; kept for its memory
     std::size_t pathColumns_ = 0;  ///< 0: any number
     bool hasHeader_ = false;
 };

@@ -16,4 +16,7 @@ void addPath(nlohmann::ordered_json& record, std::string_view path);
 /// @param indent  blanks a level; -1 for all on one line.
 [[nodiscard]] std::string jsonText(const nlohmann::ordered_json& value, int indent);
 
+/// jsonText of a text, quotes included, without a detour for the usual, plain one.
+[[nodiscard]] std::string jsonString(std::string_view text);
+
 }  // namespace qrx::tool

@@ -33,6 +33,8 @@ bool turnsDirection(char32_t code) {
         [code](const Range& range) { return code >= range.first && code <= range.last; });
 }
 
+constexpr auto isPrintableAscii = [](char c) { return c >= 0x20 && c < 0x7F; };
+
 std::string escapedByte(char32_t code) {
     switch (code) {
         case '\n':
@@ -59,14 +61,14 @@ std::optional<std::size_t> printedColumns(char32_t code) {
 }  // namespace
 
 ShownText::ShownText(std::string_view bytes) {
-    const auto add = [this](std::string text, std::size_t columns) {
+    text_.reserve(bytes.size());
+    pieces_.reserve(bytes.size());
+    const auto add = [this](std::string_view text, std::size_t columns) {
         columns_ += columns;
-        pieces_.push_back({std::move(text), columns});
+        pieces_.push_back({.begin = text_.size(), .columns = columns});
+        text_ += text;
     };
-    const auto addEscape = [&add](std::string escape) {
-        const std::size_t columns = escape.size();
-        add(std::move(escape), columns);
-    };
+    const auto addEscape = [&add](std::string_view escape) { add(escape, escape.size()); };
     for (Utf8Step step; !bytes.empty(); bytes.remove_prefix(step.length)) {
         step = firstUtf8Step(bytes);
         if (!step.wellFormed || step.code < 0x20 || step.code == 0x7F) {
@@ -74,19 +76,11 @@ ShownText::ShownText(std::string_view bytes) {
         } else if (step.code == U'\\') {
             addEscape("\\\\");
         } else if (const auto columns = printedColumns(step.code)) {
-            add(std::string(bytes.substr(0, step.length)), *columns);
+            add(bytes.substr(0, step.length), *columns);
         } else {
             addEscape(fmt::format("\\u{{{:x}}}", static_cast<unsigned>(step.code)));
         }
     }
-}
-
-std::string ShownText::text() const {
-    std::string all;
-    for (const Piece& piece : pieces_) {
-        all += piece.text;
-    }
-    return all;
 }
 
 std::string ShownText::fitted(std::size_t columns) const {
@@ -94,31 +88,31 @@ std::string ShownText::fitted(std::size_t columns) const {
     if (columns == 0) return {};
     const std::size_t room = columns - 1;  // one for the ellipsis
     const std::size_t headRoom = room / 4;
-    std::string head;
+    std::size_t headEnd = 0;
     std::size_t headColumns = 0;
     for (const Piece& piece : pieces_) {
+        headEnd = piece.begin;
         if (headColumns + piece.columns > headRoom) break;
         headColumns += piece.columns;
-        head += piece.text;
     }
-    auto from = pieces_.end();
+    std::size_t tailBegin = text_.size();
     std::size_t tailColumns = 0;
-    while (from != pieces_.begin() && headColumns + tailColumns + (from - 1)->columns <= room) {
-        --from;
-        tailColumns += from->columns;
+    for (auto piece = pieces_.rbegin(); piece != pieces_.rend(); ++piece) {
+        if (headColumns + tailColumns + piece->columns > room) break;
+        tailColumns += piece->columns;
+        tailBegin = piece->begin;
     }
-    std::string fittedText = head + std::string(kEllipsis);
-    for (; from != pieces_.end(); ++from) {
-        fittedText += from->text;
-    }
-    return fittedText;
+    return text_.substr(0, headEnd).append(kEllipsis).append(text_, tailBegin);
 }
 
 std::string shown(std::string_view bytes) {
-    return ShownText(bytes).text();
+    const bool asItIs = std::all_of(bytes.begin(), bytes.end(),
+                                    [](char c) { return isPrintableAscii(c) && c != '\\'; });
+    return asItIs ? std::string(bytes) : ShownText(bytes).text();
 }
 
 bool isPlainText(std::string_view text) {
+    if (std::all_of(text.begin(), text.end(), isPrintableAscii)) return true;
     while (!text.empty()) {
         const Utf8Step step = firstUtf8Step(text);
         if (!step.wellFormed) return false;

@@ -17,17 +17,19 @@ public:
 
     /// Columns that the text takes on a terminal.
     [[nodiscard]] std::size_t columns() const { return columns_; }
-    [[nodiscard]] std::string text() const;
+    [[nodiscard]] const std::string& text() const { return text_; }
     /// The text in at most `columns` columns; a longer one loses its middle to "…", and most of
     /// what stays is from the end, where the file's name is.
     [[nodiscard]] std::string fitted(std::size_t columns) const;
 
 private:
+    /// What is shown of one character of the bytes; it reaches to the next piece.
     struct Piece {
-        std::string text;
+        std::size_t begin;  ///< in text_
         std::size_t columns;
     };
 
+    std::string text_;
     std::vector<Piece> pieces_;
     std::size_t columns_ = 0;
 };

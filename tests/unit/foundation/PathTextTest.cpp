@@ -50,6 +50,7 @@ class WithoutLastPathComponent : public testing::TestWithParam<PathRow> {};
 
 TEST_P(WithoutLastPathComponent, LeavesWhatStandsBefore) {
     EXPECT_EQ(withoutLastPathComponent(GetParam().path), GetParam().answer);
+    EXPECT_EQ(withoutLastPathComponentView(GetParam().path), GetParam().answer);
 }
 
 INSTANTIATE_TEST_SUITE_P(

@@ -54,6 +54,29 @@ TEST(CaseMapping, MapsEachAsciiLetterAndNothingElse) {
     }
 }
 
+/// Fixed pseudo-random text of characters from `alphabet`.
+std::string randomText(std::mt19937& noise, std::string_view alphabet, std::size_t length) {
+    std::string text;
+    while (text.size() < length)
+        text += alphabet[noise() % alphabet.size()];
+    return text;
+}
+
+TEST(CaseMapping, PlainTextIsMappedAsAnyOtherTextIs) {
+    std::string ascii;
+    for (char code = 0; ascii.size() < 0x80; ++code)
+        ascii += code;
+    std::mt19937 noise{20240229};
+    for (std::size_t length = 0; length < 200; ++length) {
+        SCOPED_TRACE(length);
+        const std::string text = randomText(noise, ascii, length);
+        // one letter that has no other case, and the text no longer takes the way of plain text
+        constexpr std::string_view kAleph = "א";
+        EXPECT_EQ(upperCased(text + std::string(kAleph)), upperCased(text).append(kAleph));
+        EXPECT_EQ(lowerCased(text + std::string(kAleph)), lowerCased(text).append(kAleph));
+    }
+}
+
 // ---- beginning, end, inside
 
 TEST(TextSearch, BeginningAndEndAreLiteral) {
@@ -63,6 +86,21 @@ TEST(TextSearch, BeginningAndEndAreLiteral) {
     EXPECT_FALSE(beginsWith("CLIP.MTS", "clip"));
     EXPECT_TRUE(beginsWith("abc", "abc"));
     EXPECT_TRUE(endsWith("abc", "abc"));
+}
+
+TEST(TextSearch, InARowIsAsTheJoinedPattern) {
+    EXPECT_TRUE(containsInARow("/A/STREAM/00000.MTS", "/STREAM/", "00000.MTS"));
+    EXPECT_FALSE(containsInARow("/STREAM/A/00000.MTS", "/STREAM/", "00000.MTS"));
+    EXPECT_TRUE(containsInARow("aaab", "aa", "b"));
+    EXPECT_FALSE(containsInARow("abc", "", ""));
+    std::mt19937 noise{20240229};
+    for (int round = 0; round < 20'000; ++round) {
+        const std::string text = randomText(noise, "ab/", noise() % 12);
+        const std::string first = randomText(noise, "ab/", noise() % 4);
+        const std::string second = randomText(noise, "ab/", noise() % 4);
+        ASSERT_EQ(containsInARow(text, first, second), contains(text, first + second))
+            << text << " " << first << " " << second;
+    }
 }
 
 TEST(TextSearch, EmptyPatternIsNowhere) {

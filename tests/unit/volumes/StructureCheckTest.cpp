@@ -63,12 +63,29 @@ TEST(StructureCheck, EmptyListClaimsNothing) {
     EXPECT_EQ(found.decisive, nullptr);
 }
 
-TEST(ExaminedPath, TellsThePathItsUpperCaseAndItsFileName) {
+TEST(ExaminedPath, TellsThePathInBothCasesAndItsLastNames) {
     const FilePath file = "/Card/straße/Clip.mts";
     ExaminedPath path(file);
     EXPECT_EQ(path.path(), file);
     EXPECT_EQ(path.upperCased(), "/CARD/STRASSE/CLIP.MTS");
+    EXPECT_EQ(path.lowerCased(), "/card/straße/clip.mts");
     EXPECT_EQ(path.fileName(), "Clip.mts");
+    EXPECT_EQ(path.folderName(), "straße");
+}
+
+TEST(ExaminedPath, LastNamesOfPathsThatHaveNone) {
+    struct Row {
+        FilePath path;
+        std::string_view folder;
+        std::string_view file;
+    };
+    for (const Row& row : {Row{"", "", ""}, Row{"/", "/", "/"}, Row{"a", "", "a"},
+                           Row{"/a", "/", "a"}, Row{"/a//b/", "a", "b"}}) {
+        SCOPED_TRACE(row.path);
+        const ExaminedPath path(row.path);
+        EXPECT_EQ(path.folderName(), row.folder);
+        EXPECT_EQ(path.fileName(), row.file);
+    }
 }
 
 TEST(ExaminedPath, RunsTheToolOnceHoweverOftenItIsAsked) {
