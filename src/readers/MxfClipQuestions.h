@@ -12,7 +12,7 @@
 namespace qrx {
 
 // What the bytes of an MXF file say about a clip. Every question reads the file anew, up to a
-// million bytes at each end for each value; nothing is kept. None throws. Whether a file lies where
+// million bytes at each end; nothing is kept. None throws. Whether a file lies where
 // a card layout keeps its clips is for the layout to ask first.
 
 /// Whether the file begins with the 11 bytes of a header partition pack; NO when it cannot be read.

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
 
 #include "foundation/ByteCursor.h"
 #include "foundation/NeutralAnswer.h"
@@ -40,23 +39,6 @@ std::string textOfValue(Bytes value, MxfValueForm form) {
                : QRXConversionUtility::dataToString(value);
 }
 
-/// Room for one window; not cleared first, which would cost as much as the search.
-class WindowBuffer {
-public:
-    explicit WindowBuffer(std::uint64_t size)
-        : size_(static_cast<std::size_t>(size)),
-          bytes_(std::make_unique_for_overwrite<std::byte[]>(size_)) {}
-
-    /// The bytes of `source` from `offset` on, as many as fit and can be read.
-    [[nodiscard]] Bytes filledFrom(const ByteSource& source, std::uint64_t offset) {
-        return {bytes_.get(), source.read(offset, {bytes_.get(), size_})};
-    }
-
-private:
-    std::size_t size_;
-    std::unique_ptr<std::byte[]> bytes_;
-};
-
 }  // namespace
 
 std::uint64_t byteSequenceLocation(Bytes pattern, Bytes data) {
@@ -77,14 +59,18 @@ Value mxfValueInData(const QRXMXFKey& key, Bytes data, MxfValueForm form) {
     });
 }
 
-Value mxfValueInSource(const QRXMXFKey& key, const ByteSource& source, MxfValueForm form) {
-    return answerOr(Value{}, "mxfValueInSource", [&]() -> Value {
-        const std::uint64_t size = std::min(source.size(), kMxfWindowBytes);
-        WindowBuffer window(size);
-        if (auto value = mxfValueInData(key, window.filledFrom(source, 0), form)) return value;
-        if (size == source.size()) return std::nullopt;  // the last bytes are the first bytes
-        return mxfValueInData(key, window.filledFrom(source, source.size() - size), form);
+Value mxfValueInWindows(const QRXMXFKey& key, MxfWindows& windows, MxfValueForm form) {
+    return answerOr(Value{}, "mxfValueInWindows", [&]() -> Value {
+        // A value that stands whole in the start of the head is the head's first, too.
+        if (auto value = mxfValueInData(key, windows.startOfHead(), form)) return value;
+        if (auto value = mxfValueInData(key, windows.head(), form)) return value;
+        return mxfValueInData(key, windows.tail(), form);
     });
+}
+
+Value mxfValueInSource(const QRXMXFKey& key, const ByteSource& source, MxfValueForm form) {
+    MxfWindows windows(source);
+    return mxfValueInWindows(key, windows, form);
 }
 
 Value mxfValueInFile(const QRXMXFKey& key, const FilePath& file, MxfValueForm form) {

@@ -10,14 +10,12 @@
 #include "foundation/FilePath.h"
 #include "metadata/QRXMXFKey.h"
 #include "readers/ByteSource.h"
+#include "readers/MxfWindows.h"
 
 namespace qrx {
 
 // MXF files are not parsed. A value is found by its local tag and the length field behind it,
 // searched as plain bytes in the first and the last million bytes of the file.
-
-/// Most bytes of one search window.
-inline constexpr std::uint64_t kMxfWindowBytes = 1'000'000;
 
 /// What `byteSequenceLocation` answers when there is no such place.
 inline constexpr std::uint64_t kMxfLocationNotFound =
@@ -51,8 +49,12 @@ enum class MxfValueForm {
                                                         std::span<const std::byte> data,
                                                         MxfValueForm form);
 
-/// The value of `key` in the first kMxfWindowBytes of `source`, else in the last. A tag that
-/// straddles the end of a window is not found there.
+/// The value of `key` in the head of a file, else in its tail. A tag that straddles the end of a
+/// window is not found there.
+[[nodiscard]] std::optional<std::string> mxfValueInWindows(const QRXMXFKey& key,
+                                                           MxfWindows& windows, MxfValueForm form);
+
+/// As above, in windows of its own.
 [[nodiscard]] std::optional<std::string> mxfValueInSource(const QRXMXFKey& key,
                                                           const ByteSource& source,
                                                           MxfValueForm form);

@@ -218,25 +218,6 @@ INSTANTIATE_TEST_SUITE_P(
                     WindowCase{"Small", 500, 488, true}, WindowCase{"ItemAlone", 12, 0, true}),
     [](const auto& row) { return std::string(row.param.name); });
 
-TEST(MxfWindows, HeadComesFirst) {
-    Bytes data = placed(startItem(1), kBig, 100);
-    const Bytes last = startItem(2);
-    std::copy(last.begin(), last.end(), data.end() - 12);
-    EXPECT_EQ(mxfValueInSource(startKey(), MemoryByteSource(data), kDecimal), "1");
-}
-
-TEST(MxfWindows, TailIsAskedWhenTheHeadCutsTheValue) {
-    Bytes data = placed(startItem(1), kBig, 1'000'000 - 6);
-    const Bytes last = startItem(2);
-    std::copy(last.begin(), last.end(), data.end() - 12);
-    EXPECT_EQ(mxfValueInSource(startKey(), MemoryByteSource(data), kDecimal), "2");
-}
-
-TEST(MxfWindows, EmptySource) {
-    EXPECT_EQ(mxfValueInSource(startKey(), MemoryByteSource({}), kDecimal), std::nullopt);
-    EXPECT_EQ(mxfValueInSource(keyOf("nobody"), MemoryByteSource({}), kDecimal), std::nullopt);
-}
-
 /// Counts what is read of it.
 class CountedSource final : public ByteSource {
 public:
@@ -256,6 +237,64 @@ private:
     mutable std::size_t total_ = 0;
     mutable std::size_t largest_ = 0;
 };
+
+TEST(MxfWindows, HeadComesFirst) {
+    Bytes data = placed(startItem(1), kBig, 100);
+    const Bytes last = startItem(2);
+    std::copy(last.begin(), last.end(), data.end() - 12);
+    EXPECT_EQ(mxfValueInSource(startKey(), MemoryByteSource(data), kDecimal), "1");
+}
+
+TEST(MxfWindows, TailIsAskedWhenTheHeadCutsTheValue) {
+    Bytes data = placed(startItem(1), kBig, 1'000'000 - 6);
+    const Bytes last = startItem(2);
+    std::copy(last.begin(), last.end(), data.end() - 12);
+    EXPECT_EQ(mxfValueInSource(startKey(), MemoryByteSource(data), kDecimal), "2");
+}
+
+TEST(MxfWindows, EachPartIsReadOnceHoweverManyValuesAreSought) {
+    const Bytes data = placed(startItem(90000), kBig, kBig - 12);
+    const CountedSource source(data);
+    MxfWindows windows(source);
+    for (int time = 0; time < 3; ++time) {
+        EXPECT_EQ(mxfValueInWindows(startKey(), windows, kDecimal), "90000");
+        EXPECT_EQ(source.total(), 2'000'000U);
+    }
+}
+
+TEST(MxfWindows, AValueNearTheStartIsFoundWithoutTheRestOfTheHead) {
+    const Bytes data = placed(startItem(90000), kBig, 4'000);
+    const CountedSource source(data);
+    EXPECT_EQ(mxfValueInSource(startKey(), source, kDecimal), "90000");
+    EXPECT_LT(source.total(), 100'000U);
+}
+
+TEST(MxfWindows, AValueIsFoundWhereverItStandsAroundTheEndOfTheStart) {
+    const Bytes big(kBig);
+    const MemoryByteSource zeros(big);
+    const std::size_t start = MxfWindows(zeros).startOfHead().size();
+    ASSERT_LT(start, std::size_t{kMxfWindowBytes});
+    for (std::size_t offset = start - 14; offset <= start + 2; ++offset) {
+        SCOPED_TRACE(offset);
+        const Bytes data = placed(startItem(90000), kBig, offset);
+        EXPECT_EQ(mxfValueInSource(startKey(), MemoryByteSource(data), kDecimal), "90000");
+    }
+}
+
+TEST(MxfWindows, AValueCutByTheStartIsNotTakenFromALaterTag) {
+    const Bytes big(kBig);
+    const MemoryByteSource zeros(big);
+    const std::size_t start = MxfWindows(zeros).startOfHead().size();
+    Bytes data = placed(startItem(1), kBig, start - 6);
+    const Bytes later = startItem(2);
+    std::copy(later.begin(), later.end(), data.begin() + static_cast<std::ptrdiff_t>(start + 100));
+    EXPECT_EQ(mxfValueInSource(startKey(), MemoryByteSource(data), kDecimal), "1");
+}
+
+TEST(MxfWindows, EmptySource) {
+    EXPECT_EQ(mxfValueInSource(startKey(), MemoryByteSource({}), kDecimal), std::nullopt);
+    EXPECT_EQ(mxfValueInSource(keyOf("nobody"), MemoryByteSource({}), kDecimal), std::nullopt);
+}
 
 TEST(MxfWindows, AtMostAMillionBytesAtEachEndAreRead) {
     const Bytes data(kBig);
