@@ -72,7 +72,7 @@ std::string countForPeople(std::uint64_t count) {
     std::string text = fmt::format("{}", count);
     for (std::size_t at = text.size(); at > 3;) {
         at -= 3;
-        text.insert(at, ",");
+        text.insert(at, 1, ',');
     }
     return text;
 }
