@@ -5,8 +5,15 @@
 
 #include "foundation/PathText.h"
 #include "foundation/Text.h"
+#include "volumes/KeyOrder.h"
 
 namespace qrx {
+
+namespace {
+
+constexpr std::size_t kClipCharacters = 4;
+
+}  // namespace
 
 std::string clipName(std::string_view path) {
     return withoutPathExtension(lastPathComponentView(path));
@@ -22,6 +29,18 @@ std::optional<std::int32_t> underscoreNumber(std::string_view name, std::size_t 
     const auto part = underscorePart(name, index);
     if (!part) return std::nullopt;
     return int32Value(*part);
+}
+
+std::optional<std::pair<std::int32_t, std::int32_t>> clipAndPiece(std::string_view path) {
+    const std::string name = clipName(path);
+    const auto clip = lastCharacters(underscorePart(name, 0).value_or(""), kClipCharacters);
+    const auto piece = underscoreNumber(name, 1);
+    if (!clip || !piece) return std::nullopt;
+    return std::pair(int32Value(*clip), *piece);
+}
+
+std::string pieceSeries(std::string_view path) {
+    return underscorePart(lastPathComponentView(path), 0).value_or("");
 }
 
 }  // namespace qrx

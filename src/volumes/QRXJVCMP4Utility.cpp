@@ -64,18 +64,6 @@ std::optional<ResetStep> stepFor(const ResetItem& item) {
     return ResetStep{.kind = Kind::remove, .path = item.path};
 }
 
-std::optional<std::pair<std::int32_t, std::int32_t>> clipAndPiece(const FilePath& file) {
-    const std::string name = clipName(file);
-    const auto clip = lastCharacters(underscorePart(name, 0).value_or(""), 4);
-    const auto piece = underscoreNumber(name, 1);
-    if (!clip || !piece) return std::nullopt;
-    return std::pair(int32Value(*clip), *piece);
-}
-
-std::string seriesOf(const FilePath& file) {
-    return underscorePart(lastPathComponentView(file), 0).value_or("");
-}
-
 }  // namespace
 
 std::unique_ptr<QRXJVCMP4Utility> QRXJVCMP4Utility::volumeUtility() {
@@ -115,14 +103,14 @@ FilePaths QRXJVCMP4Utility::sortSpannedClipSeries(const FilePaths& files) const 
 
 std::optional<std::string> QRXJVCMP4Utility::spanPartnerIdentifierForPath(
     const FilePath& file) const {
-    return seriesOf(file);
+    return pieceSeries(file);
 }
 
 bool QRXJVCMP4Utility::filesArePartOfTheSameSpanSeries(const FilePaths& files) const {
     if (files.size() < 2) return false;
-    const std::string series = seriesOf(files.front());
+    const std::string series = pieceSeries(files.front());
     return std::all_of(files.begin(), files.end(), [&](const FilePath& file) {
-        return filePathMatchesVolumeStructure(file) && seriesOf(file) == series;
+        return filePathMatchesVolumeStructure(file) && pieceSeries(file) == series;
     });
 }
 

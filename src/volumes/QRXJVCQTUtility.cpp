@@ -65,18 +65,6 @@ std::optional<ResetStep> stepFor(const ResetItem& item) {
     return ResetStep{.kind = Kind::remove, .path = item.path};
 }
 
-std::string seriesOf(const FilePath& file) {
-    return underscorePart(lastPathComponentView(file), 0).value_or("");
-}
-
-std::optional<std::pair<std::int32_t, std::int32_t>> clipAndPiece(const FilePath& file) {
-    const std::string name = clipName(file);
-    const auto clip = lastCharacters(underscorePart(name, 0).value_or(""), 4);
-    const auto piece = underscoreNumber(name, 1);
-    if (!clip || !piece) return std::nullopt;
-    return std::pair(int32Value(*clip), *piece);
-}
-
 /// The text of the sidecar's <TimeCode> tag that states a start.
 std::optional<std::string> startTag(const FilePath& sidecar) {
     return QRXXmlUtility::findXmlTagInfo(R"(<TimeCode startTc=")", sidecar,
@@ -168,7 +156,7 @@ bool QRXJVCQTUtility::videoFileIsDropFrame(const FilePath& file) const {
 
 std::optional<std::string> QRXJVCQTUtility::spanPartnerIdentifierForPath(
     const FilePath& file) const {
-    return seriesOf(file);
+    return pieceSeries(file);
 }
 
 FilePaths QRXJVCQTUtility::sortSpannedClipSeries(const FilePaths& files) const {
@@ -184,9 +172,9 @@ FilePaths QRXJVCQTUtility::sortSpannedClipSeries(const FilePaths& files) const {
 bool QRXJVCQTUtility::filesArePartOfTheSameSpanSeries(const FilePaths& files) const {
     if (files.size() < 2) return false;
     return answerOr(false, "filesArePartOfTheSameSpanSeries", [&] {
-        const std::string series = seriesOf(files.front());
+        const std::string series = pieceSeries(files.front());
         return std::all_of(files.begin(), files.end(), [&](const FilePath& file) {
-            return filePathMatchesVolumeStructure(file) && seriesOf(file) == series;
+            return filePathMatchesVolumeStructure(file) && pieceSeries(file) == series;
         });
     });
 }

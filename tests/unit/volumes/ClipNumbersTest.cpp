@@ -30,5 +30,19 @@ TEST(ClipNumbers, NumbersBetweenUnderscores) {
     EXPECT_EQ(underscoreNumber("clip", 1), std::nullopt);
 }
 
+TEST(ClipNumbers, ClipAndPieceOfAJvcName) {
+    EXPECT_EQ(clipAndPiece("/x/ABCD0012_03.MOV"), std::pair(12, 3));
+    EXPECT_EQ(clipAndPiece("0012_.MOV"), std::pair(12, 0));
+    EXPECT_EQ(clipAndPiece("012_03.MOV"), std::nullopt);
+    EXPECT_EQ(clipAndPiece("ABCD0012.MOV"), std::nullopt);
+    EXPECT_EQ(clipAndPiece(""), std::nullopt);
+}
+
+TEST(ClipNumbers, PiecesShareTheirSeries) {
+    EXPECT_EQ(pieceSeries("/a_b/ABCD0012_03.MOV"), "ABCD0012");
+    EXPECT_EQ(pieceSeries("ABCD0012.MOV"), "ABCD0012.MOV");
+    EXPECT_EQ(pieceSeries("_03.MOV"), "");
+}
+
 }  // namespace
 }  // namespace qrx
