@@ -1,12 +1,10 @@
 #include "app/RequestEncoding.h"
 
 #include <algorithm>
-#include <cstddef>
-#include <cstdint>
-#include <string_view>
 
 #include <nlohmann/json.hpp>
 
+#include "app/ClipRecord.h"
 #include "foundation/Text.h"
 #include "platform/ports/ServiceBus.h"
 
@@ -18,7 +16,6 @@ using platform::BusValue;
 namespace {
 
 constexpr const char* kFilePath = "filePath";
-constexpr const char* kFilePathBytes = "filePathBytes";
 constexpr const char* kVolumeTitle = "volumeTitle";
 constexpr const char* kQt = "qt";
 
@@ -50,25 +47,6 @@ const BusValue& entry(const BusValue::Dictionary& dictionary, const char* key) {
                                     [&](const auto& one) { return one.first == key; });
     if (found == dictionary.end()) refuse(std::string(key) + " is missing");
     return found->second;
-}
-
-/// RFC 4648 section 4, with padding.
-std::string base64(std::string_view bytes) {
-    constexpr std::string_view kDigits =
-        "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-    constexpr std::size_t kGroup = 3;
-    std::string text;
-    for (std::size_t at = 0; at < bytes.size(); at += kGroup) {
-        const std::string_view group = bytes.substr(at, kGroup);
-        std::uint32_t bits = 0;
-        for (std::size_t i = 0; i < kGroup; ++i) {
-            bits = bits << 8U | (i < group.size() ? static_cast<unsigned char>(group[i]) : 0U);
-        }
-        for (std::size_t i = 0; i <= kGroup; ++i) {
-            text += i <= group.size() ? kDigits[bits >> (18U - 6U * i) & 0x3FU] : '=';
-        }
-    }
-    return text;
 }
 
 }  // namespace
@@ -109,15 +87,7 @@ FilePaths decodedPaths(const BusValue& list) {
 }
 
 std::string jsonLine(const PathDictionary& dictionary) {
-    nlohmann::ordered_json line;
-    if (isUtf8(dictionary.filePath)) {
-        line[kFilePath] = dictionary.filePath;
-    } else {
-        line[kFilePathBytes] = base64(dictionary.filePath);
-    }
-    line[kVolumeTitle] = dictionary.volumeTitle;
-    line[kQt] = dictionary.qt;
-    return line.dump() + "\n";
+    return clipRecord(dictionary).dump() + "\n";
 }
 
 }  // namespace qrx

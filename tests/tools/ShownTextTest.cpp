@@ -3,7 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include "qrx/Base64.h"
 #include "qrx/Console.h"
 #include "qrx/ShownText.h"
 
@@ -86,17 +85,6 @@ TEST_F(ShownTextTest, ProgressLineFits) {
         const std::string line = progressLine(5, 5, "/some/long/path/to/a/clip.mov", columns);
         EXPECT_LE(ShownText(line).columns(), columns);
     }
-}
-
-TEST(Base64, TheExamplesOfRfc4648) {
-    EXPECT_EQ(base64(""), "");
-    EXPECT_EQ(base64("f"), "Zg==");
-    EXPECT_EQ(base64("fo"), "Zm8=");
-    EXPECT_EQ(base64("foo"), "Zm9v");
-    EXPECT_EQ(base64("foob"), "Zm9vYg==");
-    EXPECT_EQ(base64("fooba"), "Zm9vYmE=");
-    EXPECT_EQ(base64("foobar"), "Zm9vYmFy");
-    EXPECT_EQ(base64("\xff\xfe\xfd"), "//79");
 }
 
 }  // namespace

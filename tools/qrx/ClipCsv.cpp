@@ -1,5 +1,5 @@
+#include "foundation/Base64.h"
 #include "foundation/Text.h"
-#include "qrx/Base64.h"
 #include "qrx/ClipWriter.h"
 #include "qrx/ShownText.h"
 

@@ -1,8 +1,8 @@
 #include <string>
 #include <vector>
 
+#include "foundation/Base64.h"
 #include "foundation/Text.h"
-#include "qrx/Base64.h"
 #include "qrx/ClipWriter.h"
 #include "qrx/JsonText.h"
 

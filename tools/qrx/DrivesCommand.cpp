@@ -9,6 +9,7 @@
 #include <nlohmann/json.hpp>
 #include <sys/statvfs.h>
 
+#include "app/ClipRecord.h"
 #include "foundation/QRXFileSystemUtility.h"
 #include "foundation/Text.h"
 #include "qrx/Commands.h"

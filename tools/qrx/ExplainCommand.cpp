@@ -6,6 +6,7 @@
 #include <fmt/core.h>
 #include <nlohmann/json.hpp>
 
+#include "app/ClipRecord.h"
 #include "qrx/Commands.h"
 #include "qrx/JsonText.h"
 #include "qrx/Names.h"

@@ -8,6 +8,7 @@
 #include <fmt/core.h>
 #include <nlohmann/json.hpp>
 
+#include "app/ClipRecord.h"
 #include "foundation/Text.h"
 #include "qrx/ClipInfo.h"
 #include "qrx/Commands.h"

@@ -4,8 +4,6 @@
 
 #include <nlohmann/json.hpp>
 
-#include "foundation/Text.h"
-#include "qrx/Base64.h"
 #include "qrx/ShownText.h"
 
 namespace qrx::tool {
@@ -18,14 +16,6 @@ constexpr auto needsNoEscape = [](char c) {
 };
 
 }  // namespace
-
-void addPath(nlohmann::ordered_json& record, std::string_view path) {
-    if (isUtf8(path)) {
-        record["filePath"] = path;
-    } else {
-        record["filePathBytes"] = base64(path);
-    }
-}
 
 std::string jsonText(const nlohmann::ordered_json& value, int indent) {
     const std::string text = value.dump(indent);

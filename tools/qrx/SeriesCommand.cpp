@@ -10,6 +10,7 @@
 #include <fmt/format.h>
 #include <nlohmann/json.hpp>
 
+#include "app/ClipRecord.h"
 #include "foundation/Text.h"
 #include "qrx/Commands.h"
 #include "qrx/JsonText.h"

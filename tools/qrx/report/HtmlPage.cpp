@@ -7,8 +7,8 @@
 #include <fmt/chrono.h>
 #include <fmt/core.h>
 
+#include "foundation/Base64.h"
 #include "foundation/PathText.h"
-#include "qrx/Base64.h"
 #include "qrx/ShownText.h"
 #include "qrx/report/HtmlRows.h"
 #include "qrx/report/HtmlText.h"

@@ -4,9 +4,9 @@
 
 #include <fmt/core.h>
 
+#include "foundation/Base64.h"
 #include "foundation/PathText.h"
 #include "foundation/Text.h"
-#include "qrx/Base64.h"
 #include "qrx/report/Durations.h"
 #include "qrx/report/HtmlText.h"
 

@@ -3,8 +3,8 @@
 
 #include <fmt/core.h>
 
+#include "foundation/Base64.h"
 #include "foundation/Text.h"
-#include "qrx/Base64.h"
 #include "qrx/ShownText.h"
 #include "qrx/report/ReportWriters.h"
 

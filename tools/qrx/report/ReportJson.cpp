@@ -5,6 +5,7 @@
 #include <fmt/chrono.h>
 #include <nlohmann/json.hpp>
 
+#include "app/ClipRecord.h"
 #include "foundation/Text.h"
 #include "qrx/JsonText.h"
 #include "qrx/ShownText.h"
