@@ -14,11 +14,17 @@ public:
         setProtocolForProxy(kQRXHDFileMatcherProtocol);
     }
 
-    /// Locations that are not UTF-8 cannot travel; they are refused.
+    /// A location that is not UTF-8 can travel only with the stream's request, which is then made
+    /// instead, its answer kept in memory; a service that has none refuses.
     [[nodiscard]] std::vector<PathDictionary>
     filePathDictionariesForAllHDFilesAtFileSystemLocations(
         const FilePaths& locations) const override;
+    /// A name that is not UTF-8 cannot travel: std::invalid_argument.
     [[nodiscard]] bool filePathIsQuickTime(const FilePath& file) const override;
+
+private:
+    [[nodiscard]] std::vector<PathDictionary> streamedDictionaries(
+        const FilePaths& locations) const;
 };
 
 }  // namespace qrx

@@ -4,6 +4,7 @@
     call_test.py PATH-OF-QRX PATH-OF-THE-BUNDLE [unittest arguments]
 """
 
+import base64
 import json
 import os
 import pathlib
@@ -116,13 +117,23 @@ class Call(qrx_case.QrxCase):
         told = json.loads(self.call("Cards", "files", card, "--format", "json")[0])
         self.assertEqual(list(told[0]), ["filePathBytes", "volumeTitle", "qt"])
 
-    def test_a_path_that_is_not_utf8_is_named_and_the_others_are_asked_for(self):
+    def test_paths_that_are_not_utf8_are_asked_for_too(self):
         self.start_service()
-        card = self.sony_card()
-        told, said = self.call("Cards", "files", b"\xff", card, "--format", "json", status=1)
-        self.assertEqual(len(json.loads(told)), 1)
-        self.assertEqual(
-            said, "qrx: \\xff: not UTF-8, so a service cannot be asked for it\n")
+        card = self.sony_card(card="card")
+        odd = self.write(b"odd\xff/AVCHD/BDMV/STREAM/00000.MTS")
+        for paths in ([b"odd\xff", card], [odd, card], [b"odd\xff", b"\xfe", card]):
+            told, said = self.call("Cards", "files", *paths, "--format", "json")
+            clips = json.loads(told)
+            self.assertEqual(said, "")
+            self.assertEqual([list(clip)[0] for clip in clips], ["filePathBytes", "filePath"])
+            self.assertEqual(base64.b64decode(clips[0]["filePathBytes"]), odd)
+            self.assertEqual([clip["volumeTitle"] for clip in clips], ["Sony NXCAM AVCHD"] * 2)
+        self.assertEqual(self.call("Cards", "files", b"\xfe", "--format", "json"), ("[]\n", ""))
+
+    def test_is_quicktime_cannot_be_asked_of_a_name_that_is_not_utf8(self):
+        self.start_service()
+        _, said = self.call("Cards", "is-quicktime", b"/x\xff.mov", status=1)
+        self.assertEqual(said, "qrx: /x\\xff.mov: not UTF-8, so a service cannot be asked for it\n")
 
     def test_is_quicktime(self):
         self.start_service()

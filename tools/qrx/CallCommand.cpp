@@ -1,7 +1,6 @@
 #include <algorithm>
 #include <chrono>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -83,23 +82,11 @@ public:
     }
 
 private:
-    /// As the service is to be told; its working folder is another. Nothing, and a word about it,
-    /// where the name cannot travel.
-    std::optional<FilePath> location(const std::string& argument) {
-        if (isUtf8(argument)) return absolutePath(argument);
-        session_.console.say(shown(argument) + ": not UTF-8, so a service cannot be asked for it");
-        return std::nullopt;
-    }
-
     int files() {
+        // The service's working folder is another.
         FilePaths locations;
-        int status = kDone;
         for (const std::string& argument : options_.paths) {
-            if (const auto path = location(argument)) {
-                locations.push_back(*path);
-            } else {
-                status = kTrouble;
-            }
+            locations.push_back(absolutePath(argument));
         }
         const auto clips =
             service_.filePathDictionariesForAllHDFilesAtFileSystemLocations(locations);
@@ -108,13 +95,16 @@ private:
             writer->add(clip);
         }
         writer->finish();
-        return status;
+        return kDone;
     }
 
     int isQuickTime() {
-        const auto path = location(options_.paths.front());
-        if (!path) return kTrouble;
-        session_.output.write(service_.filePathIsQuickTime(*path) ? "yes\n" : "no\n");
+        const FilePath path = absolutePath(options_.paths.front());
+        if (!isUtf8(path)) {
+            session_.console.say(shown(path) + ": not UTF-8, so a service cannot be asked for it");
+            return kTrouble;
+        }
+        session_.output.write(service_.filePathIsQuickTime(path) ? "yes\n" : "no\n");
         return kDone;
     }
 
