@@ -178,6 +178,35 @@ class ResetOfCameras(mounted.MountedCase):
         self.assertIn("there is no reset for GoPro; nothing was changed", said)
         self.assertIn("DCIM/100GOPRO/GOPR0001.MP4", self.names())
 
+    # -- cards with real media --------------------------------------------------------------
+
+    def test_made_cards_are_one_and_the_same_to_every_command(self):
+        for layout, title, series in (("canon-eos", "Canon EOS", 0), ("gopro", "GoPro", 0),
+                                      ("red-one", "RED One", 0), ("jvc-qt", "JVC-QuickTime", 1)):
+            with self.subTest(layout):
+                self.run_qrx("mkcard", layout, self.card)
+                self.assertEqual(self.layouts(), [title])
+                clips = self.clips_of(title)
+                self.assertGreater(len(clips), 2)
+                ordered = self.run_qrx("order", *reversed(clips)).stdout.decode().splitlines()
+                self.assertEqual(ordered, clips)
+                told = self.run_qrx("series", self.card).stdout.decode().splitlines()
+                self.assertEqual([line for line in told if line.startswith(title)],
+                                 [f"{title}  ABCD0002  3 pieces, complete"] * series)
+                self.assertLessEqual({line.strip() for line in told if "/" in line}, set(clips))
+                if layout == "gopro":
+                    self.reset("--yes", status=1)
+                    self.assertEqual(self.clips_of(title), clips)
+                else:
+                    lines, _ = self.reset("--yes")
+                    self.assertEqual(lines[-1], "The card is reset.")
+                    self.assertEqual(self.clips_of(title), [])
+                subprocess.run(["find", self.card, "-mindepth", "1", "-delete"], check=True)
+
+    def clips_of(self, title):
+        return [clip["filePath"] for clip in self.scan(self.card)[0]
+                if clip["volumeTitle"] == title]
+
     # -- all of them ------------------------------------------------------------------------
 
     def test_card_that_is_mounted_read_only_is_refused(self):
