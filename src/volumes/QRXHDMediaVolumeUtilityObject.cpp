@@ -6,6 +6,7 @@
 #include "foundation/SharedInstance.h"
 #include "readers/QRXFFmpegObject.h"
 #include "readers/QRXFFmpegTerminalWrapper.h"
+#include "readers/QRXQuickTimeImageUtility.h"
 #include "timecode/QRXTimecodeUtility.h"
 #include "volumes/FFmpegStill.h"
 #include "volumes/Siblings.h"
@@ -79,8 +80,13 @@ bool QRXHDMediaVolumeUtilityObject::pathContainsVideoFilesMatchingVolumeStructur
 
 platform::Image QRXHDMediaVolumeUtilityObject::posterImageForFilePath(
     const FilePath& file, const FilePath& imageOutputDirectory) const {
-    return answerOr(platform::Image{}, "posterImageForFilePath",
-                    [&] { return ffmpegStill(file, imageOutputDirectory); });
+    return answerOr(platform::Image{}, "posterImageForFilePath", [&] {
+        // A fault of the thumbnailer is none of this operation: the image utility drops it.
+        auto thumbnail =
+            QRXQuickTimeImageUtility::qtImageUtility().posterImageForFilePath(file, true);
+        if (thumbnail && !thumbnail->isEmpty()) return std::move(*thumbnail);
+        return ffmpegStill(file, imageOutputDirectory);
+    });
 }
 
 QRXMetadataWrapper QRXHDMediaVolumeUtilityObject::metadataWrapperForVideoFilePath(

@@ -17,6 +17,8 @@ void addDrivesCommand(CLI::App& program, Job& job);
 void addInfoCommand(CLI::App& program, Job& job);
 void addSeriesCommand(CLI::App& program, Job& job);
 void addCallCommand(CLI::App& program, Job& job);
+void addPosterCommand(CLI::App& program, Job& job);
+void addMetadataCommand(CLI::App& program, Job& job);
 void addOrderCommand(CLI::App& program, Job& job);
 void addResetCommand(CLI::App& program, Job& job);
 void addReportCommand(CLI::App& program, Job& job);

@@ -3,6 +3,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "platform/ports/ProcessRunner.h"
 #include "qrx/Console.h"
@@ -24,6 +25,24 @@ public:
 private:
     std::shared_ptr<platform::ProcessRunner> runner_;
     Say say_;
+};
+
+/// Keeps what tools write to standard error to itself: the ffmpeg tool tells its progress there.
+class QuietTools final : public platform::ProcessRunner {
+public:
+    explicit QuietTools(std::shared_ptr<platform::ProcessRunner> runner)
+        : runner_(std::move(runner)) {}
+
+    [[nodiscard]] platform::ProcessResult run(const platform::ProcessRequest& request) override {
+        platform::ProcessRequest quiet = request;
+        quiet.standardError = platform::StandardError::captured;
+        return runner_->run(quiet);
+    }
+    void launch(const platform::ProcessRequest& request) override { runner_->launch(request); }
+    void cancelAll() override { runner_->cancelAll(); }
+
+private:
+    std::shared_ptr<platform::ProcessRunner> runner_;
 };
 
 /// From now on names on the console every file for which the tool could not be run or crashed, and

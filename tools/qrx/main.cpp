@@ -152,6 +152,8 @@ int run(int argc, char** argv) {
     addMkcardCommand(program, job);
     addDrivesCommand(program, job);
     addInfoCommand(program, job);
+    addMetadataCommand(program, job);
+    addPosterCommand(program, job);
     addSeriesCommand(program, job);
     addCallCommand(program, job);
     addOrderCommand(program, job);

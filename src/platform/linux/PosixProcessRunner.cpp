@@ -40,6 +40,11 @@ std::optional<SteadyTime> endOf(std::chrono::nanoseconds limit) {
     return std::chrono::steady_clock::now() + std::min(limit, longest);
 }
 
+/// Whether `limit` is one, and less than `other` if that is one.
+bool isShorter(std::chrono::nanoseconds limit, std::chrono::nanoseconds other) {
+    return limit.count() > 0 && (other.count() <= 0 || limit < other);
+}
+
 /// Threads that only reap take no signals away from those that handle them.
 class SignalsBlocked {
 public:
@@ -92,6 +97,8 @@ ProcessResult PosixProcessRunner::run(const ProcessRequest& request) {
         streams.standardError = errors.emplace(kKeptBytesPerPipe).writeEnd();
     }
 
+    const bool hasShorterLimit = isShorter(request.timeLimit, limits_.timeLimit);
+    const auto timeLimit = hasShorterLimit ? request.timeLimit : limits_.timeLimit;
     SpawnedChild child(request, streams, ChildGroup::ownGroup);
     ProcessResult result;
     {
@@ -100,22 +107,26 @@ ProcessResult PosixProcessRunner::run(const ProcessRequest& request) {
                                                    [&child] { child.killGroup(); });
         output.closeWriteEnd();
         if (errors) errors->closeWriteEnd();
-        result.endedByTimeLimit = drainUntilExit(child, output, errors ? &*errors : nullptr);
+        result.endedByTimeLimit =
+            drainUntilExit(child, output, errors ? &*errors : nullptr, timeLimit);
         child.killGroup();
     }
     result.exitStatus = child.reap();
     throwIfCancelled();
     result.standardOutput = output.takeText();
     if (errors) result.standardError = errors->takeText();
-    if (result.endedByTimeLimit && limits_.onTimeLimit) limits_.onTimeLimit(request);
+    if (result.endedByTimeLimit && !hasShorterLimit && limits_.onTimeLimit) {
+        limits_.onTimeLimit(request);
+    }
     return result;
 }
 
 bool PosixProcessRunner::drainUntilExit(const SpawnedChild& child, ChildPipe& output,
-                                        ChildPipe* errors) const {
+                                        ChildPipe* errors,
+                                        std::chrono::nanoseconds timeLimit) const {
     const FileDescriptor ended =
         limits_.watchByDescriptor ? exitDescriptor(child.pid()) : FileDescriptor();
-    std::optional<SteadyTime> endBy = endOf(limits_.timeLimit);
+    std::optional<SteadyTime> endBy = endOf(timeLimit);
     bool endedByTimeLimit = false;
     bool exited = false;
     while (!exited) {

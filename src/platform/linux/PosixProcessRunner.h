@@ -18,7 +18,8 @@ class SpawnedChild;
 struct ToolLimits {
     /// A tool that runs longer is ended; zero means that no tool is ever ended.
     std::chrono::nanoseconds timeLimit{0};
-    /// Called on the thread of the run, once the tool has been ended and reaped.
+    /// Called on the thread of the run, once the tool has been ended by this limit and reaped; not
+    /// when the limit of its own request was less.
     std::function<void(const ProcessRequest&)> onTimeLimit;
     /// Whether the kernel may tell of a child's end by a descriptor (Linux 5.3 and later). Without
     /// it the child is looked at again and again, some milliseconds apart.
@@ -41,8 +42,9 @@ private:
     class UnderWay;
 
     void throwIfCancelled();
+    /// Whether the child had to be ended after `timeLimit`.
     [[nodiscard]] bool drainUntilExit(const SpawnedChild& child, ChildPipe& output,
-                                      ChildPipe* errors) const;
+                                      ChildPipe* errors, std::chrono::nanoseconds timeLimit) const;
 
     const ToolLimits limits_;
     std::mutex mutex_;  // guards what follows

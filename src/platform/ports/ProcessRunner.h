@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <stop_token>
 #include <string>
 #include <utility>
@@ -18,13 +19,16 @@ struct ProcessRequest {
     std::string program;                 ///< path of the program; no search along PATH
     std::vector<std::string> arguments;  ///< each reaches the program as one argument, unchanged
     StandardError standardError = StandardError::inherited;
+    /// The child is ended after this, also where the runner itself has a longer limit or none;
+    /// zero: the runner's limit alone.
+    std::chrono::nanoseconds timeLimit{0};
 };
 
 struct ProcessResult {
     std::string standardOutput;     ///< at most kKeptBytesPerPipe; the rest was read and dropped
     std::string standardError;      ///< likewise; empty unless captured
     int exitStatus = 0;             ///< 0 to 255; 128 + signal number when a signal ended the child
-    bool endedByTimeLimit = false;  ///< the runner's time limit ended the child
+    bool endedByTimeLimit = false;  ///< the request's or the runner's, whichever is less
 };
 
 /// Runs one program to its end, without a shell.

@@ -208,6 +208,30 @@ TEST_P(PosixProcessRunnerTest, TimeLimitEndsSlowToolWithItsChildren) {
     EXPECT_TRUE(becomesTrue([&] { return !processRuns(grandchild); }));
 }
 
+TEST_P(PosixProcessRunnerTest, RequestMayHaveALimitOfItsOwn) {
+    for (const auto runnersLimit : {0ns, std::chrono::nanoseconds(1h)}) {
+        bool told = false;
+        ToolLimits limited = limits(runnersLimit);
+        limited.onTimeLimit = [&](const ProcessRequest&) { told = true; };
+        PosixProcessRunner runner(limited);
+        ProcessRequest request = shell("exec sleep 600");
+        request.timeLimit = 50ms;
+        EXPECT_TRUE(runner.run(request).endedByTimeLimit);
+        EXPECT_FALSE(told) << "it is the runner's own limit that is told";
+    }
+}
+
+TEST_P(PosixProcessRunnerTest, LongerLimitOfARequestDoesNotLengthenTheRunners) {
+    bool told = false;
+    ToolLimits limited = limits(50ms);
+    limited.onTimeLimit = [&](const ProcessRequest&) { told = true; };
+    PosixProcessRunner runner(limited);
+    ProcessRequest request = shell("exec sleep 600");
+    request.timeLimit = 1h;
+    EXPECT_TRUE(runner.run(request).endedByTimeLimit);
+    EXPECT_TRUE(told);
+}
+
 TEST_P(PosixProcessRunnerTest, ToolWithinItsTimeLimitIsLeftAlone) {
     bool told = false;
     ToolLimits limited = limits(std::chrono::hours{24 * 365 * 200});

@@ -4,13 +4,16 @@
 #include <fstream>
 #include <memory>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "platform/fake/FakeImageCodec.h"
+#include "platform/fake/FakeThumbnailer.h"
 #include "platform/ports/Image.h"
 #include "support/ReportingTool.h"
 #include "support/TemporaryFolder.h"
@@ -188,7 +191,10 @@ public:
 
 class Poster : public testing::Test {
 protected:
-    Poster() { services_->imageCodec = std::make_shared<CountingCodec>(); }
+    Poster() {
+        services_->imageCodec = std::make_shared<CountingCodec>();
+        services_->thumbnailer = thumbnailer_;
+    }
 
     /// The poster where the tool writes `contents` as its picture; nothing written when absent.
     platform::Image posterOf(const std::optional<std::string>& contents) {
@@ -200,10 +206,36 @@ protected:
     }
 
     platform::ScopedServices services_;
+    std::shared_ptr<platform::FakeThumbnailer> thumbnailer_ =
+        std::make_shared<platform::FakeThumbnailer>();
     test::TemporaryFolder movies_;
     test::TemporaryFolder pictures_;
     FilePath picture_;
 };
+
+TEST_F(Poster, IsTheThumbnailWhereThereIsOneAndTheToolIsNotAsked) {
+    thumbnailer_->pictures[movies_ / "clip.mov"] = {3, 2, std::vector<std::byte>(3 * 2 * 4)};
+    const platform::Image poster = posterOf("sixsix");
+    EXPECT_EQ(poster.width, 3U);
+    EXPECT_EQ(poster.height, 2U);
+    EXPECT_TRUE(picture_.empty());
+    const platform::FakeThumbnailer::Request asked{movies_ / "clip.mov", 250, 250};
+    EXPECT_EQ(thumbnailer_->requests, std::vector{asked});
+}
+
+TEST_F(Poster, IsTheStillWhereTheThumbnailHasNoWidthOrNoHeight) {
+    for (const auto& [width, height] : {std::pair{0U, 5U}, std::pair{5U, 0U}, std::pair{0U, 0U}}) {
+        thumbnailer_->pictures[movies_ / "clip.mov"] = {width, height, {}};
+        EXPECT_EQ(posterOf("sixsix").width, 6U);
+    }
+}
+
+TEST_F(Poster, IsTheStillWhereTheThumbnailerFails) {
+    thumbnailer_->before = [] { throw std::runtime_error("broken"); };
+    EXPECT_EQ(posterOf("sixsix").width, 6U);
+    thumbnailer_->before = [] { throw 5; };
+    EXPECT_EQ(posterOf("sixsix").width, 6U);
+}
 
 TEST_F(Poster, IsTheStillOfTheToolWhichIsGoneAfterwards) {
     const platform::Image poster = posterOf("sixsix");
