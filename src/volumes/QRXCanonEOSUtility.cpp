@@ -43,6 +43,9 @@ constexpr std::array kClipChecks{
     quicktime::kIsLooseMovie,
 };
 
+// KEPT: the folder is sought in the whole path and with case, unlike in the path test: of a card
+// that is mounted below a folder DCIM every file goes, and one in small letters is left alone.
+// Cameras write capitals, and cards are mounted under their own names.
 std::optional<ResetStep> stepFor(const ResetItem& item) {
     if (item.kind == EntryKind::folder || !contains(item.path, kMediaFolder)) return std::nullopt;
     return ResetStep{.kind = ResetStep::Kind::remove, .path = item.path};

@@ -94,6 +94,14 @@ TEST_F(CanonEOS, PartnerOfAClipBelowAMissingFolder) {
     EXPECT_EQ(utility_.volumePartnerIdentifierForFilePath("DCIM/100CANON/MVI_0001.MOV"), "");
 }
 
+TEST_F(CanonEOS, PartnerIsSoughtWithCaseAndInNamesThatEndInDcim) {
+    EXPECT_EQ(utility_.volumePartnerIdentifierForFilePath("/x/dcim/100CANON/MVI_0001.MOV"),
+              "/x/dcim/100CANON");
+    const CardTree card{"MYDCIM/MVI_0001.MOV"};
+    EXPECT_EQ(utility_.volumePartnerIdentifierForFilePath(card / "MYDCIM/MVI_0001.MOV"),
+              card.path());
+}
+
 TEST_F(CanonEOS, PartnerOfAClipOutsideDcimIsTheParents) {
     EXPECT_EQ(utility_.volumePartnerIdentifierForFilePath("/x/clips/MVI_0001.MOV"), "/x/clips");
     EXPECT_EQ(utility_.uniqueIdentifierForVideoFile("/x/clips/MVI_0001.MOV"), "clips");
@@ -155,6 +163,24 @@ TEST_F(CanonEOS, FormattingRemovesTheFilesBelowDcim) {
     EXPECT_TRUE(fileExists(card / "MISC/M0100.CTG"));
     EXPECT_TRUE(fileExists(card / "notes.txt"));
     EXPECT_TRUE(utility_.formatDriveToMatchValidVolumeStructure(card.path())) << "empty by now";
+}
+
+TEST_F(CanonEOS, KeptFormattingLeavesADcimInSmallLettersAlone) {
+    const CardTree card{"dcim/100canon/mvi_0001.mov", "MISC/"};
+    EXPECT_TRUE(claims(card / "dcim/100canon/mvi_0001.mov"));
+    EXPECT_TRUE(utility_.formatDriveToMatchValidVolumeStructure(card.path()));
+    EXPECT_TRUE(fileExists(card / "dcim/100canon/mvi_0001.mov"));
+}
+
+TEST_F(CanonEOS, KeptFormattingACardBelowAFolderDcimRemovesEveryFileOnIt) {
+    const CardTree above{"DCIM/card/DCIM/MVI_0001.MOV", "DCIM/card/MISC/M0100.CTG",
+                         "DCIM/card/notes.txt", "DCIM/beside"};
+    EXPECT_TRUE(utility_.formatDriveToMatchValidVolumeStructure(above / "DCIM/card"));
+    EXPECT_FALSE(fileExists(above / "DCIM/card/DCIM/MVI_0001.MOV"));
+    EXPECT_FALSE(fileExists(above / "DCIM/card/MISC/M0100.CTG"));
+    EXPECT_FALSE(fileExists(above / "DCIM/card/notes.txt"));
+    EXPECT_TRUE(folderExists(above / "DCIM/card/MISC"));
+    EXPECT_TRUE(fileExists(above / "DCIM/beside"));
 }
 
 TEST_F(CanonEOS, FormattingNeverLeavesTheDrive) {

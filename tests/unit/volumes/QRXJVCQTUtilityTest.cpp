@@ -59,6 +59,13 @@ TEST_F(JVCQT, OtherPathsAreNot) {
     EXPECT_FALSE(claims(""));
 }
 
+TEST_F(JVCQT, FolderAndNameNeedOnlyOccurInThePath) {
+    EXPECT_TRUE(claims("/x/ANYPRIVATE/JVC/CQAV/CLIP/A_01.MOV"));
+    EXPECT_TRUE(claims("/x/PRIVATE/JVC/CQAV/CLIP/A_01.MOV/A_01.MOV"));
+    EXPECT_TRUE(claims("/x/PRIVATE/JVC/CQAV/CLIP/A_01.MOV.old/A_01.MOV"));
+    EXPECT_FALSE(claims("/x/PRIVATE/JVC/CQAV/CLIP/A_01.mov/A_01.MOV"));
+}
+
 TEST_F(JVCQT, TheDriveNeedsFoldersAndIndex) {
     const std::vector<std::string> items{kClips, kInfo, "PRIVATE/JVC/CQAV/MEDIAINF.BAK",
                                          "PRIVATE/JVC/CQAV/MEDIAINF.XML"};
@@ -98,6 +105,19 @@ TEST_F(JVCQT, TheSidecarStandsInTheFolderInfo) {
     folder_.write(kInfo + "abcd0002_01.XML");
     EXPECT_EQ(utility_.metadataFilePathForVideoFile(lowerCase),
               folder_ / (kInfo + "abcd0002_01.XML"));
+}
+
+TEST_F(JVCQT, TheWordClipInTheFilesNameStays) {
+    const std::string clip = folder_.write(kClips + "CLIP0001_01.MOV");
+    folder_.write(kInfo + "CLIP0001_01.XML");
+    EXPECT_EQ(utility_.metadataFilePathForVideoFile(clip), folder_ / (kInfo + "CLIP0001_01.XML"));
+}
+
+TEST_F(JVCQT, TheFilesNameGoesFromFoldersOfThatNameToo) {
+    const std::string clip = folder_.write("A_01.MOV/" + kClips + "A_01.MOV");
+    folder_.write(kInfo + "A_01.XML");
+    EXPECT_EQ(utility_.metadataFilePathForVideoFile(clip),
+              folder_.path() + "//" + kInfo + "A_01.XML");
 }
 
 TEST_F(JVCQT, KeptEveryClipInThePathBecomesInfo) {

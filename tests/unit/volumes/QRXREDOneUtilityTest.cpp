@@ -83,6 +83,9 @@ TEST_F(REDOne, ThePartnerIsTheFolderOfTheReel) {
                   "/Volumes/R/A001.RDM/A001_C001.RDC/A001_C001_F.mov"),
               "/Volumes/R");
     EXPECT_EQ(utility_.volumePartnerIdentifierForFilePath("/a.RDM/b.RDM/c.mov"), "/");
+    EXPECT_EQ(utility_.volumePartnerIdentifierForFilePath("/Volumes/R/A.RDM.old/F.mov"),
+              "/Volumes/R");
+    EXPECT_EQ(utility_.volumePartnerIdentifierForFilePath("A001.RDM/F.mov"), "");
     EXPECT_EQ(utility_.volumePartnerIdentifierForFilePath("/Volumes/R/a001.rdm/x/F.mov"),
               "/Volumes/R/a001.rdm/x");
 }
