@@ -170,6 +170,16 @@ void expectAnswers(const QRXQTUtility& utility, const std::string& clip, const s
     EXPECT_EQ(utility.metadataFilePathForVideoFile(clip), std::nullopt);
 }
 
+TEST(MuxersOfTheFamily, AreAllInTheTable) {
+    // One implementation, which names all its muxers above the options that they share.
+    EXPECT_THAT(test::ffmpegHelp("muxer=mov"),
+                HasSubstr("\nmov/mp4/tgp/psp/tg2/ipod/ismv/f4v muxer AVOptions:"));
+    for (const char* muxer : kMuxers) {
+        EXPECT_THAT(test::ffmpegHelp(std::string("muxer=") + muxer),
+                    HasSubstr("mov/mp4/tgp/psp/tg2/ipod/ismv/f4v muxer AVOptions:"));
+    }
+}
+
 class EveryMuxer : public testing::TestWithParam<std::tuple<const char*, Form>> {
 protected:
     static void check(const Content& content, bool timecode) {

@@ -135,6 +135,10 @@ std::vector<std::string> pictureAndTone(const std::vector<std::string>& more) {
     return all;
 }
 
+std::string ffmpegHelp(const std::string& topic) {
+    return runTool("ffmpeg", {"-hide_banner", "-h", topic}).standardOutput;
+}
+
 std::vector<ProbedStream> probedStreams(const std::string& path) {
     const Finished finished =
         runTool("ffprobe",

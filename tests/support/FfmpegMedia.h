@@ -43,6 +43,9 @@ private:
 /// Both, picture first; `more` follows the inputs.
 [[nodiscard]] std::vector<std::string> pictureAndTone(const std::vector<std::string>& more = {});
 
+/// What `ffmpeg -h <topic>` says, e.g. of "muxer=mov".
+[[nodiscard]] std::string ffmpegHelp(const std::string& topic);
+
 /// One stream as ffprobe reports it.
 struct ProbedStream {
     std::string codecType;  ///< "video", "audio", "subtitle", "data"; "" where ffprobe has no name
