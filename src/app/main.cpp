@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <thread>
 
 #include <fcntl.h>
@@ -71,13 +72,21 @@ void chooseFfmpeg() {
     }
 }
 
+/// Whether the environment asks for tools that are started in full every time.
+bool asksForPlainTool() {
+    const char* const chosen = std::getenv("QRX_PLAIN_TOOL");
+    return chosen != nullptr && std::string_view(chosen) == "1";
+}
+
 int serve(int argc, char** argv) {
     prepareStandardStreams();
     const sigset_t ends = holdBackEndSignals();
     chooseFfmpeg();
     platform::services().resourceFolder = resourceFolder();
     platform::services().arguments.assign(argv, argv + argc);
-    platform::installPlatformServices();
+    platform::PlatformOptions options;
+    options.usesPlainTool = asksForPlainTool();
+    platform::installPlatformServices(options);
     endOnSignal(ends);
     const auto application = composeApplication();
     return platform::mainThread().serve();

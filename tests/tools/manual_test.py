@@ -11,7 +11,7 @@ import sys
 
 import qrx_case
 
-OPTIONS_OF_EVERY_COMMAND = {"--ffmpeg", "--tool-limit"}
+OPTIONS_OF_EVERY_COMMAND = {"--ffmpeg", "--plain-tool", "--tool-limit"}
 
 
 class Manual(qrx_case.QrxCase):

@@ -27,7 +27,7 @@ void addHelpCommand(CLI::App& program, Job& job);
 /// Empty when the text is a number of seconds that can be waited for, else what is wrong with it.
 [[nodiscard]] std::string whyNoDuration(const std::string& text);
 
-/// --ffmpeg and --tool-limit.
+/// --ffmpeg, --tool-limit and --plain-tool.
 void addToolOptions(CLI::App& command, ToolOptions& options);
 
 }  // namespace qrx::tool

@@ -21,6 +21,7 @@ enum ExitStatus : int {
 struct ToolOptions {
     std::string ffmpegPath;      ///< empty: wherever it is installed
     double secondsAtMost = 120;  ///< a tool that runs longer is ended; 0: never
+    bool isPlain = false;        ///< no warm parents, every tool is started in full
 };
 
 /// What a command works with while it runs.

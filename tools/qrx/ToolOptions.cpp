@@ -22,6 +22,10 @@ void addToolOptions(CLI::App& command, ToolOptions& options) {
         ->type_name("SECONDS")
         ->capture_default_str()
         ->check(CLI::Validator(whyNoDuration, ""));
+    command
+        .add_flag("--plain-tool", options.isPlain,
+                  "Load ffmpeg's libraries anew for every file, as if it could not be kept warm")
+        ->envname("QRX_PLAIN_TOOL");
 }
 
 }  // namespace qrx::tool

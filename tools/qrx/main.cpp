@@ -82,6 +82,7 @@ void installServices(const ToolOptions& tools, Console& console) {
     options.onToolTimeLimit = [&console, seconds = tools.secondsAtMost](const auto& request) {
         console.say(timeLimitMessage(request, seconds));
     };
+    options.usesPlainTool = tools.isPlain;
     platform::services().ffmpegPath = tools.ffmpegPath;
     platform::services().resourceFolder = resourceFolder();
     platform::installPlatformServices(options);

@@ -1,6 +1,8 @@
 #include "platform/linux/PlatformServices.h"
 
 #include <memory>
+#include <string_view>
+#include <utility>
 
 #include "platform/linux/BlkidVolumeIdentity.h"
 #include "platform/linux/DesktopThumbnailer.h"
@@ -17,21 +19,35 @@
 #include "platform/linux/SyslogSystemLog.h"
 #include "platform/linux/UdisksDriveManager.h"
 #include "platform/linux/UnicodeTextRules.h"
+#include "platform/linux/WarmProcessRunner.h"
 #include "platform/linux/ZlibInflater.h"
 #include "platform/ports/Services.h"
 
 namespace qrx::platform {
 
+namespace {
+
+std::shared_ptr<ProcessRunner> toolRunner(const PlatformOptions& options,
+                                          const std::shared_ptr<SystemLog>& log) {
+    const ToolLimits limits{.timeLimit = options.toolTimeLimit,
+                            .onTimeLimit = options.onToolTimeLimit};
+    if (options.usesPlainTool) return std::make_shared<PosixProcessRunner>(limits);
+    WarmChoices choices;
+    choices.onPlain = [log](std::string_view why) { log->debug(why); };
+    return std::make_shared<WarmProcessRunner>(limits, std::move(choices));
+}
+
+}  // namespace
+
 void installPlatformServices(const PlatformOptions& options) {
     Services& inForce = services();
-    const auto runner = std::make_shared<PosixProcessRunner>(
-        ToolLimits{.timeLimit = options.toolTimeLimit, .onTimeLimit = options.onToolTimeLimit});
+    inForce.systemLog = std::make_shared<SyslogSystemLog>();
+    const auto runner = toolRunner(options, inForce.systemLog);
     inForce.processRunner = runner;
     inForce.mountTable = std::make_shared<ProcMountTable>(options.systemRoot);
     inForce.mainThread = std::make_shared<GlibMainThread>([runner] { runner->cancelAll(); });
     inForce.clock = std::make_shared<SteadyClock>();
     inForce.textRules = std::make_shared<UnicodeTextRules>();
-    inForce.systemLog = std::make_shared<SyslogSystemLog>();
     inForce.inflater = std::make_shared<ZlibInflater>();
     inForce.diskStatistics = std::make_shared<SysDiskStatistics>(options.systemRoot);
     inForce.volumeIdentity = std::make_shared<BlkidVolumeIdentity>(options.systemRoot);

@@ -14,6 +14,8 @@ struct PlatformOptions {
     std::chrono::nanoseconds toolTimeLimit{0};
     /// Called on the thread of the run, once the tool has been ended by its time limit.
     std::function<void(const ProcessRequest&)> onToolTimeLimit;
+    /// Every run of a tool loads its libraries anew, as if warm parents could not be had.
+    bool usesPlainTool = false;
     /// Folder that holds `proc`, `sys` and `dev`.
     std::string systemRoot = "/";
 };

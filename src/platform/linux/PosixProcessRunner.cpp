@@ -13,6 +13,7 @@
 #include <poll.h>
 
 #include "platform/linux/ChildPipe.h"
+#include "platform/linux/SignalsBlocked.h"
 #include "platform/linux/SpawnedChild.h"
 
 namespace qrx::platform {
@@ -45,22 +46,6 @@ bool isShorter(std::chrono::nanoseconds limit, std::chrono::nanoseconds other) {
     return limit.count() > 0 && (other.count() <= 0 || limit < other);
 }
 
-/// Threads that only reap take no signals away from those that handle them.
-class SignalsBlocked {
-public:
-    SignalsBlocked() {
-        sigset_t all;
-        ::sigfillset(&all);
-        ::pthread_sigmask(SIG_SETMASK, &all, &before_);
-    }
-    ~SignalsBlocked() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-    SignalsBlocked(const SignalsBlocked&) = delete;
-    SignalsBlocked& operator=(const SignalsBlocked&) = delete;
-
-private:
-    sigset_t before_{};
-};
-
 }  // namespace
 
 /// Keeps a child in the list that cancelAll ends. It leaves the list before it is reaped, since
@@ -88,6 +73,12 @@ private:
 PosixProcessRunner::PosixProcessRunner(ToolLimits limits) : limits_(std::move(limits)) {}
 
 ProcessResult PosixProcessRunner::run(const ProcessRequest& request) {
+    return run(request, [&](const ChildStreams& streams) {
+        return SpawnedChild(request, streams, ChildGroup::ownGroup);
+    });
+}
+
+ProcessResult PosixProcessRunner::run(const ProcessRequest& request, const ChildStart& start) {
     throwIfCancelled();
     ChildPipe output(kKeptBytesPerPipe);
     std::optional<ChildPipe> errors;
@@ -99,7 +90,7 @@ ProcessResult PosixProcessRunner::run(const ProcessRequest& request) {
 
     const bool hasShorterLimit = isShorter(request.timeLimit, limits_.timeLimit);
     const auto timeLimit = hasShorterLimit ? request.timeLimit : limits_.timeLimit;
-    SpawnedChild child(request, streams, ChildGroup::ownGroup);
+    SpawnedChild child = start(streams);
     ProcessResult result;
     {
         const UnderWay registered(*this, child.pid());

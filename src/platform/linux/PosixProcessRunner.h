@@ -13,6 +13,7 @@ namespace qrx::platform {
 
 class ChildPipe;
 class SpawnedChild;
+struct ChildStreams;
 
 /// What a program may choose about its tools.
 struct ToolLimits {
@@ -26,6 +27,9 @@ struct ToolLimits {
     bool watchByDescriptor = true;
 };
 
+/// Starts the child of a run. Throws what `run` throws.
+using ChildStart = std::function<SpawnedChild(const ChildStreams&)>;
+
 /// Children by posix_spawn, each in a process group of its own: when the child ends, is cancelled
 /// or meets its time limit, whatever it left in its group ends with it.
 class PosixProcessRunner final : public ProcessRunner {
@@ -33,6 +37,8 @@ public:
     explicit PosixProcessRunner(ToolLimits limits = {});
 
     [[nodiscard]] ProcessResult run(const ProcessRequest& request) override;
+    /// The same with a child that comes to life in another way, in a process group of its own.
+    [[nodiscard]] ProcessResult run(const ProcessRequest& request, const ChildStart& start);
     /// Its standard output is our own, its standard error too, or /dev/null when the request says
     /// captured.
     void launch(const ProcessRequest& request) override;

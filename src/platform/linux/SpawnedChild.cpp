@@ -23,6 +23,8 @@ constexpr std::array<std::string_view, 6> kClearedVariables{
     "FFREPORT",       "AV_LOG_FORCE_COLOR", "AV_LOG_FORCE_NOCOLOR", "AV_LOG_FORCE_256COLOR",
     "FFMPEG_DATADIR", "AVCONV_DATADIR"};
 
+constexpr int kSocket = STDERR_FILENO + 1;
+
 void require(int error, const std::string& what) {
     if (error != 0) throw std::system_error(error, std::generic_category(), what);
 }
@@ -31,10 +33,13 @@ class FileActions {
 public:
     explicit FileActions(const ChildStreams& streams) {
         require(::posix_spawn_file_actions_init(&actions_), "posix_spawn_file_actions_init");
+        redirect(streams.standardInput, STDIN_FILENO);
         redirect(streams.standardOutput, STDOUT_FILENO);
         redirect(streams.standardError, STDERR_FILENO);
+        redirect(streams.socket, kSocket);
         // Close-on-exec is not enough: a host may have opened descriptors without it.
-        require(::posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1),
+        require(::posix_spawn_file_actions_addclosefrom_np(
+                    &actions_, streams.socket < 0 ? kSocket : kSocket + 1),
                 "posix_spawn_file_actions_addclosefrom_np");
     }
     ~FileActions() { ::posix_spawn_file_actions_destroy(&actions_); }
@@ -120,9 +125,8 @@ std::vector<char*> childEnvironment() {
 }
 
 SpawnedChild::SpawnedChild(const ProcessRequest& request, const ChildStreams& streams,
-                           ChildGroup group) {
+                           ChildGroup group, const std::vector<char*>& environment) {
     const std::vector<char*> arguments = argumentPointers(request);
-    const std::vector<char*> environment = childEnvironment();
     const FileActions actions(streams);
     const Attributes attributes(group);
     require(::posix_spawn(&pid_, request.program.c_str(), actions.get(), attributes.get(),
@@ -135,6 +139,7 @@ SpawnedChild::SpawnedChild(SpawnedChild&& other) noexcept : pid_(std::exchange(o
 SpawnedChild::~SpawnedChild() {
     if (pid_ <= 0) return;
     killGroup();
+    ::kill(pid_, SIGKILL);  // it may not have come into its group yet
     int waited = 0;
     while (::waitpid(pid_, &waited, 0) < 0 && errno == EINTR) {
     }

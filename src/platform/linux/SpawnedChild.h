@@ -1,5 +1,7 @@
 #pragma once
 
+#include <vector>
+
 #include <sys/types.h>
 
 #include "platform/linux/FileDescriptor.h"
@@ -7,11 +9,16 @@
 
 namespace qrx::platform {
 
-/// Where a child's output goes; -1 is where our own goes.
+/// Where a child's streams go; -1 is where our own goes.
 struct ChildStreams {
+    int standardInput = -1;
     int standardOutput = -1;
     int standardError = -1;
+    int socket = -1;  ///< becomes descriptor 3; -1: the child has no such descriptor
 };
+
+/// The variables that a child gets, as posix_spawn takes them; they belong to our own environment.
+[[nodiscard]] std::vector<char*> childEnvironment();
 
 /// Whom a child belongs to.
 enum class ChildGroup {
@@ -26,7 +33,10 @@ enum class ChildGroup {
 class SpawnedChild {
 public:
     /// Throws std::system_error when the program cannot be started.
-    SpawnedChild(const ProcessRequest& request, const ChildStreams& streams, ChildGroup group);
+    SpawnedChild(const ProcessRequest& request, const ChildStreams& streams, ChildGroup group,
+                 const std::vector<char*>& environment = childEnvironment());
+    /// A child of this process that was started otherwise, in a group of its own.
+    [[nodiscard]] static SpawnedChild adopted(pid_t pid) { return SpawnedChild(pid); }
     /// Ends and reaps a child that was not reaped.
     ~SpawnedChild();
     SpawnedChild(SpawnedChild&& other) noexcept;
@@ -43,13 +53,12 @@ public:
     int reap();
 
 private:
+    explicit SpawnedChild(pid_t pid) : pid_(pid) {}
+
     pid_t pid_ = -1;
 };
 
 /// A descriptor that becomes readable when the process ends; closed where the kernel has none.
 [[nodiscard]] FileDescriptor exitDescriptor(pid_t pid);
-
-/// The variables that a child gets, as posix_spawn takes them; they belong to our own environment.
-[[nodiscard]] std::vector<char*> childEnvironment();
 
 }  // namespace qrx::platform
