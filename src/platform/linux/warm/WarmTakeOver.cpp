@@ -13,10 +13,10 @@
 #include <cstdlib>
 #include <cstring>
 #include <dlfcn.h>
+#include <sched.h>
 
 #include <dirent.h>
 #include <fcntl.h>
-#include <sched.h>
 #include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
