@@ -6,6 +6,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "app/ClipRecord.h"
 #include "qrx/ClipArguments.h"
 #include "qrx/ClipMetadata.h"
 #include "qrx/Commands.h"
