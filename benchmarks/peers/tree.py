@@ -30,18 +30,18 @@ class Card:
 # of clips, proxies, photographs, lists, and the loose media.
 CARDS = (
     Card("p2", "Panasonic P2", 110, 3, movies_beside=1, mxf_beside=SOUND_CHANNELS),
-    Card("xdcam-ex", "Sony XDCAM EX", 100, 3),
-    Card("xdcam-hd", "Sony XDCAM HD", 190, 5, mxf_beside=1),
-    Card("sony-avchd", "Sony NXCAM AVCHD", 190, 5),
+    Card("xdcam-ex", "Sony XDCAM EX", 120, 3),
+    Card("xdcam-hd", "Sony XDCAM HD", 150, 5, mxf_beside=1),
+    Card("sony-avchd", "Sony NXCAM AVCHD", 200, 5),
     Card("canon-avchd", "Canon AVCHD", 120, 3),
     Card("panasonic-avchd", "Panasonic AVCHD", 120, 3),
-    Card("canon-eos", "Canon EOS", 150, 4),
-    Card("canon-xf", "Canon XF", 160, 5),
+    Card("canon-eos", "Canon EOS", 280, 4),
+    Card("canon-xf", "Canon XF", 140, 5),
     Card("jvc-mp4", "JVC-MP4", 110, 4),
     Card("jvc-qt", "JVC-QuickTime", 110, 4),
     Card("red-one", "RED One", 100, 3),
-    Card("gopro", "GoPro", 90, 3, movies_beside=1),
-    Card("loose", "General Movies", 440, 12),
+    Card("gopro", "GoPro", 100, 3, movies_beside=1),
+    Card("loose", "General Movies", 120, 12),
 )
 
 
