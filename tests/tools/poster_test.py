@@ -132,6 +132,16 @@ class Poster(qrx_case.QrxCase):
         self.poster(clip, "-o", "c.png", "--size", "320")
         self.assert_red(self.folder / "c.png", "png", 320, 180)
 
+    def test_pictures_of_cards_need_no_mime_database(self):
+        clip = self.write("p2/CONTENTS/VIDEO/0001AB.MXF")
+        for extension, kind in (("BMP", "bmp"), ("jpg", "mjpeg")):
+            self.movie(f"p2/CONTENTS/ICON/0001AB.{extension}", "-frames:v", "1", "-c:v", kind,
+                       "-f", "image2", "-update", "1", source="color=c=blue:s=80x60")
+            environment = self.surroundings(False)
+            environment["XDG_DATA_DIRS"] = str(self.folder / "nowhere")
+            self.run_qrx("poster", clip, "-o", extension + ".png", env=environment)
+            self.assertEqual(png_size(self.folder / (extension + ".png")), (80, 60))
+
     def test_size_brings_the_longer_side_down(self):
         clip = self.movie("clip.mov")
         tall = self.movie("tall.mov", source="color=c=red:s=180x320:r=25")

@@ -66,10 +66,39 @@ std::optional<Image> inMemory(const GdkPixbuf* picture, bool isTiff) {
     return image;
 }
 
+struct Signature {
+    std::string_view begin;
+    const char* loader;
+};
+
+using std::string_view_literals::operator""sv;
+
+/// Unasked, the library tells formats by the desktop's MIME database, which a service may lack.
+constexpr std::array kSignatures{
+    Signature{"\xFF\xD8\xFF"sv, "jpeg"},
+    Signature{"\x89PNG"sv, "png"},
+    Signature{"II*\0"sv, "tiff"},
+    Signature{"MM\0*"sv, "tiff"},
+    Signature{"BM"sv, "bmp"},
+    Signature{"GIF8"sv, "gif"},
+};
+
+GdkPixbufLoader* loaderFor(std::span<const std::byte> firstBytes) {
+    const std::string_view begin(reinterpret_cast<const char*>(firstBytes.data()),
+                                 firstBytes.size());
+    for (const Signature& signature : kSignatures) {
+        if (!begin.starts_with(signature.begin)) continue;
+        GdkPixbufLoader* const loader = gdk_pixbuf_loader_new_with_type(signature.loader, nullptr);
+        if (loader != nullptr) return loader;
+    }
+    return gdk_pixbuf_loader_new();
+}
+
 /// One picture on its way in.
 class Decoding {
 public:
-    Decoding() : loader_(gdk_pixbuf_loader_new()) {
+    /// @param firstBytes  enough of the file to tell its format; to be handed to `accepts` as well.
+    explicit Decoding(std::span<const std::byte> firstBytes) : loader_(loaderFor(firstBytes)) {
         g_signal_connect(loader_, "size-prepared", G_CALLBACK(&Decoding::sizeIsKnown), this);
         g_signal_connect(loader_, "area-updated", G_CALLBACK(&Decoding::areaIsDone), this);
     }
@@ -217,22 +246,22 @@ std::optional<std::vector<std::byte>> savedByPixbuf(const Image& image, const ch
 std::optional<Image> PixbufImageCodec::load(const std::string& path) const {
     const FileDescriptor file = openedRegularFile(path);
     if (!file.isOpen()) return std::nullopt;
-    Decoding decoding;
     std::array<std::byte, kBlock> block{};
+    std::optional<Decoding> decoding;
     for (;;) {
         const ssize_t got = ::read(file.get(), block.data(), block.size());
         if (got < 0 && errno == EINTR) continue;
         if (got < 0) return std::nullopt;
         if (got == 0) break;
-        if (!decoding.accepts(std::span(block).first(static_cast<std::size_t>(got)))) {
-            return std::nullopt;
-        }
+        const auto bytes = std::span(block).first(static_cast<std::size_t>(got));
+        if (!decoding) decoding.emplace(bytes);
+        if (!decoding->accepts(bytes)) return std::nullopt;
     }
-    return decoding.finished();
+    return decoding ? decoding->finished() : std::nullopt;
 }
 
 std::optional<Image> PixbufImageCodec::decoded(std::span<const std::byte> file) const {
-    Decoding decoding;
+    Decoding decoding(file);
     while (!file.empty()) {  // in blocks, so that a picture too large is refused early
         const auto block = file.first(std::min(file.size(), kBlock));
         if (!decoding.accepts(block)) return std::nullopt;
