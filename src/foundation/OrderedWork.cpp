@@ -13,12 +13,14 @@
 #include <vector>
 
 #include "platform/ports/ProcessRunner.h"
+#include "platform/ports/Services.h"
 
 namespace qrx {
 
 unsigned workersFor(unsigned jobs) {
-    return std::max(1U,
-                    jobs == WorkLimits::kOnePerCore ? std::thread::hardware_concurrency() : jobs);
+    if (jobs == WorkLimits::kAsChosen) jobs = platform::services().jobs;
+    if (jobs == platform::Services::kOneJobPerCore) jobs = std::thread::hardware_concurrency();
+    return std::clamp(jobs, 1U, WorkLimits::kMostJobs);
 }
 
 namespace detail {
@@ -68,12 +70,19 @@ bool performOnCaller(const WorkTurns& turns) {
     return false;
 }
 
+platform::MainThread* mainThreadIfCurrent() {
+    platform::MainThread* const mainThread = platform::services().mainThread.get();
+    return mainThread != nullptr && mainThread->isCurrent() ? mainThread : nullptr;
+}
+
 /// One run with threads. The caller leads: it announces and takes the turns at the front of the
 /// window, while workers fetch new ones to its back and perform them.
 class WorkRun {
 public:
     WorkRun(const WorkTurns& turns, unsigned jobs, std::size_t window)
-        : turns_(turns), jobs_(jobs), window_(window) {}
+        : turns_(turns), jobs_(jobs), window_(window), mainThread_(mainThreadIfCurrent()) {
+        workers_.reserve(jobs);
+    }
     ~WorkRun() { end(); }
     WorkRun(const WorkRun&) = delete;
     WorkRun& operator=(const WorkRun&) = delete;
@@ -115,10 +124,27 @@ private:
         room_.notify_one();
     }
 
+    /// On the main thread, with the work done that only it may do: workers may be waiting for that.
     template <class Condition>
     void waitUntil(const Condition& condition) {
-        std::unique_lock lock(mutex_);
-        news_.wait(lock, condition);
+        if (mainThread_ != nullptr) {
+            mainThread_->waitServing([this, &condition] {
+                const std::lock_guard lock(mutex_);
+                return condition();
+            });
+        } else {
+            std::unique_lock lock(mutex_);
+            news_.wait(lock, condition);
+        }
+    }
+
+    /// Not with mutex_ held.
+    void tellCaller() {
+        if (mainThread_ != nullptr) {
+            mainThread_->wake();
+        } else {
+            news_.notify_one();
+        }
     }
 
     [[nodiscard]] bool isCancelled() const {
@@ -141,9 +167,11 @@ private:
         while (WorkTurn* const turn = fetch()) {
             perform(*turn);
         }
-        const std::lock_guard lock(mutex_);
-        --living_;
-        news_.notify_one();
+        {
+            const std::lock_guard lock(mutex_);
+            --living_;
+        }
+        tellCaller();
     }
 
     /// The next turn, at the back of the window; null when there are no more.
@@ -151,16 +179,19 @@ private:
         const std::lock_guard oneAtATime(fetching_);
         if (!hasRoom()) return nullptr;
         auto turn = isCancelled() ? nullptr : nextTurn();
-        const std::lock_guard lock(mutex_);
-        if (isClosed_) return nullptr;
         WorkTurn* const fetched = turn.get();
-        isClosed_ = fetched == nullptr || fetched->fault != nullptr;
-        if (fetched != nullptr) pending_.push_back(std::move(turn));
-        if (isClosed_ || pending_.size() == 1) news_.notify_one();
-        if (isClosed_) return nullptr;
-        ++busy_;
-        if (busy_ == living_ && living_ < jobs_) startWorker();
-        return fetched;
+        const bool isLast = fetched == nullptr || fetched->fault != nullptr;
+        bool isFirst = false;
+        {
+            const std::lock_guard lock(mutex_);
+            if (isClosed_) return nullptr;
+            if (fetched != nullptr) pending_.push_back(std::move(turn));
+            isFirst = pending_.size() == 1;
+            isClosed_ = isLast;
+            if (!isLast && ++busy_ == living_ && living_ < jobs_) startWorker();
+        }
+        if (isFirst || isLast) tellCaller();
+        return isLast ? nullptr : fetched;
     }
 
     /// Waits for it; NO when nothing more is to be fetched.
@@ -185,12 +216,16 @@ private:
         } catch (...) {
             fault = std::current_exception();
         }
-        const std::lock_guard lock(mutex_);
-        --busy_;
-        turn.fault = fault;
-        turn.isDone = true;
-        if (fault) close();
-        if (&turn == pending_.front().get()) news_.notify_one();
+        bool isFirst = false;
+        {
+            const std::lock_guard lock(mutex_);
+            --busy_;
+            turn.fault = fault;
+            turn.isDone = true;
+            if (fault) close();
+            isFirst = &turn == pending_.front().get();
+        }
+        if (isFirst) tellCaller();
     }
 
     /// Nothing more is fetched. With mutex_ held.
@@ -214,6 +249,7 @@ private:
     const WorkTurns& turns_;
     const unsigned jobs_;
     const std::size_t window_;
+    platform::MainThread* const mainThread_;  // null when the caller is another thread
 
     std::stop_source ending_;  // ends the tools of the workers
     struct EndToo {

@@ -11,17 +11,20 @@ namespace qrx {
 
 /// How many items are worked on at a time, and how far the walk over them runs ahead.
 struct WorkLimits {
-    /// As many as the process may use cores.
-    static constexpr unsigned kOnePerCore = 0;
+    /// As many as were chosen for the whole process (platform::Services::jobs).
+    static constexpr unsigned kAsChosen = 0;
+    /// Threads cost memory, and so do the tools that they run.
+    static constexpr unsigned kMostJobs = 64;
     /// Items in the window for each worker, where no window is named. One slow item holds up what
     /// comes after it for as long as the window lasts.
     static constexpr std::size_t kWindowPerJob = 64;
 
-    unsigned jobs = kOnePerCore;  ///< most workers; 1 does everything on the calling thread
-    std::size_t window = 0;       ///< most items fetched and not yet taken; 0: kWindowPerJob a job
+    unsigned jobs = kAsChosen;  ///< most workers; 1 does everything on the calling thread
+    std::size_t window = 0;     ///< most items fetched and not yet taken; 0: kWindowPerJob a job
 };
 
-/// `jobs`, or the number of cores that the process may use where it is kOnePerCore; at least 1.
+/// The number of workers that `jobs` means: from 1 to kMostJobs; one per core that the process may
+/// use where neither it nor the process has chosen.
 [[nodiscard]] unsigned workersFor(unsigned jobs);
 
 /// Work on a row of items, several at a time, of which an observer sees one at a time and in order.
@@ -102,7 +105,8 @@ private:
 /// What a step throws ends the run and comes out here. A run that ends early, by a fault or because
 /// it is cancelled, ends the tools that its workers are running (platform::RunsUntil) and waits for
 /// what else is under way; so does the end of the request that the calling thread works for.
-/// Workers take no signals. Where no thread can be started the caller does the work.
+/// Workers take no signals; they may ask the main thread for work even where the caller is the main
+/// thread. Where no thread can be started the caller does the work.
 ///
 /// @return  NO when the run was cancelled before its end.
 template <class Item, class Result>

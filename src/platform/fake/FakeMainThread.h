@@ -1,9 +1,9 @@
 #pragma once
 
 #include <atomic>
+#include <condition_variable>
 #include <functional>
 #include <mutex>
-#include <utility>
 
 #include "platform/ports/MainThread.h"
 
@@ -15,14 +15,32 @@ public:
     [[nodiscard]] bool isCurrent() const override { return insideWork(); }
 
     void runAndWait(const std::function<void()>& work) override {
-        const std::lock_guard lock(mutex_);
         ++timesRun;
-        const bool before = std::exchange(insideWork(), true);
-        struct Restore {
-            bool before;
-            ~Restore() { insideWork() = before; }
-        } const restore{before};
+        if (insideWork()) {
+            work();
+            return;
+        }
+        const std::lock_guard oneAtATime(work_);
+        insideWork() = true;
+        struct Leave {
+            ~Leave() { insideWork() = false; }
+        } const leave;
         work();
+    }
+
+    /// Whoever waits inside work lets others do theirs meanwhile.
+    void waitServing(const std::function<bool()>& isDone) override {
+        const bool waitsInsideWork = insideWork();
+        if (waitsInsideWork) work_.unlock();
+        {
+            std::unique_lock lock(waiting_);
+            news_.wait(lock, isDone);
+        }
+        if (waitsInsideWork) work_.lock();
+    }
+    void wake() override {
+        { const std::lock_guard lock(waiting_); }
+        news_.notify_all();
     }
 
     /// Gives back at once.
@@ -43,7 +61,9 @@ private:
         return inside;
     }
 
-    std::recursive_mutex mutex_;
+    std::mutex work_;
+    std::mutex waiting_;
+    std::condition_variable news_;
 };
 
 }  // namespace qrx::platform

@@ -30,12 +30,15 @@ struct GlibMainThread::Loop {
 
     /// Not g_main_context_invoke: between the moment that serve() is announced and the one that
     /// the loop owns its context, that would do the work on the caller.
-    void callSoon(GSourceFunc function, gpointer data) const {
+    ///
+    /// @return  the number of the call, for g_source_remove.
+    guint callSoon(GSourceFunc function, gpointer data) const {
         GSource* const source = g_idle_source_new();
         g_source_set_priority(source, G_PRIORITY_DEFAULT);
         g_source_set_callback(source, function, data, nullptr);
-        g_source_attach(source, nullptr);
+        const guint number = g_source_attach(source, nullptr);
         g_source_unref(source);
+        return number;
     }
 
     GMainLoop* loop;
@@ -49,8 +52,7 @@ GlibMainThread::GlibMainThread(std::function<void()> beforeEnd, std::function<vo
 GlibMainThread::~GlibMainThread() = default;
 
 bool GlibMainThread::isCurrent() const {
-    const std::thread::id caller = std::this_thread::get_id();
-    return servant_ == caller || worker_ == caller;
+    return owner_ == std::this_thread::get_id();
 }
 
 void GlibMainThread::runAndWait(const std::function<void()>& work) {
@@ -59,58 +61,102 @@ void GlibMainThread::runAndWait(const std::function<void()>& work) {
         return;
     }
     const auto job = std::make_shared<Job>(work);
-    while (!handedOver(job) && !performedHere(*job)) {
-        // serve() began or ended between the two
+    {
+        std::unique_lock lock(mutex_);
+        ownership_.wait(lock,
+                        [this] { return ownerTakesWork_ || owner_.load() == std::thread::id(); });
+        if (ownerTakesWork_) {
+            handOver(job);
+        } else {
+            performAsOwner(*job, lock);
+        }
     }
     job->waitUntilDone();
 }
 
-bool GlibMainThread::handedOver(const std::shared_ptr<Job>& job) {
-    const std::lock_guard lock(queueMutex_);
-    if (!serving_) return false;
+void GlibMainThread::handOver(const std::shared_ptr<Job>& job) {
     queue_.push_back(job);
-    const auto performAll = [](gpointer self) -> gboolean {
-        static_cast<GlibMainThread*>(self)->performHandedOver();
+    news_.notify_all();
+    if (!isServing_ || callOfLoop_ != 0) return;
+    const auto perform = [](gpointer self) -> gboolean {
+        auto& main = *static_cast<GlibMainThread*>(self);
+        std::unique_lock lock(main.mutex_);
+        main.performSome(lock);
+        if (!main.queue_.empty()) return G_SOURCE_CONTINUE;  // in turn with the loop's other work
+        main.callOfLoop_ = 0;
         return G_SOURCE_REMOVE;
     };
-    loop_->callSoon(performAll, this);
-    return true;
+    callOfLoop_ = loop_->callSoon(perform, this);
 }
 
-bool GlibMainThread::performedHere(Job& job) {
-    const std::lock_guard lock(workMutex_);  // serve() waits for it, so that it cannot begin now
-    if (servant_.load() != std::thread::id()) return false;
-    worker_ = std::this_thread::get_id();
+void GlibMainThread::performAsOwner(Job& job, std::unique_lock<std::mutex>& lock) {
+    owner_ = std::this_thread::get_id();
+    lock.unlock();
     job.perform();
-    worker_ = std::thread::id();
-    return true;
+    lock.lock();
+    leaveOwnership();
 }
 
-void GlibMainThread::performHandedOver() {
+void GlibMainThread::performSome(std::unique_lock<std::mutex>& lock) {
     std::vector<std::shared_ptr<Job>> jobs;
-    {
-        const std::lock_guard lock(queueMutex_);
-        jobs.swap(queue_);
-    }
+    jobs.swap(queue_);
+    lock.unlock();
     for (const std::shared_ptr<Job>& job : jobs) {
         job->perform();
     }
+    lock.lock();
+}
+
+void GlibMainThread::performTheRest(std::unique_lock<std::mutex>& lock) {
+    ownerTakesWork_ = false;
+    while (!queue_.empty()) {
+        performSome(lock);
+    }
+}
+
+void GlibMainThread::leaveOwnership() {
+    owner_ = std::thread::id();
+    ownership_.notify_all();
+}
+
+void GlibMainThread::waitServing(const std::function<bool()>& isDone) {
+    std::unique_lock lock(mutex_);
+    if (!isCurrent()) {
+        news_.wait(lock, isDone);
+        return;
+    }
+    const bool tookWorkBefore = std::exchange(ownerTakesWork_, true);
+    ownership_.notify_all();
+    while (!isDone()) {
+        if (queue_.empty()) {
+            news_.wait(lock);
+        } else {
+            performSome(lock);
+        }
+    }
+    if (!tookWorkBefore) performTheRest(lock);
+}
+
+void GlibMainThread::wake() {
+    { const std::lock_guard whoeverAskedIsWaitingNow(mutex_); }
+    news_.notify_all();
 }
 
 int GlibMainThread::serve() {
     {
-        const std::scoped_lock noWorkElsewhere(workMutex_, queueMutex_);
-        servant_ = std::this_thread::get_id();
-        serving_ = true;
+        std::unique_lock lock(mutex_);
+        ownership_.wait(lock, [this] { return owner_.load() == std::thread::id(); });
+        owner_ = std::this_thread::get_id();
+        ownerTakesWork_ = true;
+        isServing_ = true;
+        ownership_.notify_all();
     }
     g_main_loop_run(loop_->loop);
-    const std::lock_guard noWorkElsewhere(workMutex_);
-    {
-        const std::lock_guard lock(queueMutex_);
-        serving_ = false;
-    }
-    performHandedOver();  // what came too late for the loop has somebody waiting for it
-    servant_ = std::thread::id();
+    std::unique_lock lock(mutex_);
+    isServing_ = false;
+    if (callOfLoop_ != 0) g_source_remove(std::exchange(callOfLoop_, 0));
+    performTheRest(lock);  // what came too late for the loop has somebody waiting for it
+    leaveOwnership();
     return EXIT_SUCCESS;
 }
 

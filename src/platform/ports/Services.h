@@ -46,6 +46,9 @@ struct Services {
     std::shared_ptr<PropertyListCodec> propertyLists;
     /// Path of the ffmpeg tool that the host chose; empty when it chose none.
     std::string ffmpegPath;
+    static constexpr unsigned kOneJobPerCore = 0;
+    /// How many files one request examines at a time, unless it says so itself.
+    unsigned jobs = kOneJobPerCore;
     /// The program's resource folder, absolute, no trailing "/".
     std::string resourceFolder;
     /// The command line, the program's path first.

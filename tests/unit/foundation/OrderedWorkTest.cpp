@@ -17,7 +17,9 @@
 #include <gtest/gtest.h>
 
 #include "foundation/OrderedWork.h"
+#include "platform/fake/FakeMainThread.h"
 #include "platform/ports/Services.h"
+#include "support/Callers.h"
 
 namespace qrx {
 namespace {
@@ -393,11 +395,101 @@ TEST_F(OrderedWorkThreads, RunInsideTheWorkOfAnother) {
     EXPECT_EQ(seen, story(count));
 }
 
-TEST(WorkersFor, AtLeastOneAndAsManyAsCoresWhereNoneAreNamed) {
+/// A worker hands work to the thread that waits for the workers.
+void expectWorkOnTheMainThread(platform::MainThread& main) {
+    int sum = 0;
+    const auto asker = std::this_thread::get_id();
+    EXPECT_TRUE((performInOrder<int, int>({.next = [next = 0]() mutable -> std::optional<int> {
+                                               if (next == 100) return std::nullopt;
+                                               return next++;
+                                           },
+                                           .work =
+                                               [&main](const int& number) {
+                                                   int result = 0;
+                                                   main.runAndWait([&] {
+                                                       EXPECT_TRUE(main.isCurrent());
+                                                       result = number;
+                                                   });
+                                                   return result;
+                                               },
+                                           .before = {},
+                                           .take =
+                                               [&](const int&, int&& one) {
+                                                   EXPECT_EQ(std::this_thread::get_id(), asker);
+                                                   sum += one;
+                                               },
+                                           .isCancelled = {}},
+                                          {.jobs = 8, .window = 3})));
+    EXPECT_EQ(sum, 4950);
+}
+
+TEST(OrderedWorkAndTheMainThread, CallerIsNotTheMainThread) {
+    expectWorkOnTheMainThread(platform::mainThread());
+}
+
+TEST(OrderedWorkAndTheMainThread, CallerIsTheMainThread) {
+    auto& main = platform::mainThread();
+    main.runAndWait([&] { expectWorkOnTheMainThread(main); });
+}
+
+TEST(OrderedWorkAndTheMainThread, SeveralCallersOneOfThemTheMainThread) {
+    auto& main = platform::mainThread();
+    test::Callers callers(4, [&](int caller) {
+        if (caller == 0) {
+            main.runAndWait([&] { expectWorkOnTheMainThread(main); });
+        } else {
+            expectWorkOnTheMainThread(main);
+        }
+    });
+}
+
+TEST(OrderedWorkAndTheMainThread, FaultWhileWorkersWaitForTheMainThread) {
+    auto& main = platform::mainThread();
+    main.runAndWait([&] {
+        std::atomic<int> next = 0;
+        EXPECT_THROW((performInOrder<int, int>({.next = [&next] { return std::optional(next++); },
+                                                .work =
+                                                    [&main](const int& number) {
+                                                        main.runAndWait([] {});
+                                                        return number;
+                                                    },
+                                                .before = {},
+                                                .take =
+                                                    [](const int& number, int&&) {
+                                                        if (number == 20)
+                                                            throw std::out_of_range("full");
+                                                    },
+                                                .isCancelled = {}},
+                                               {.jobs = 8})),
+                     std::out_of_range);
+    });
+}
+
+TEST(OrderedWorkAndTheMainThread, FakeOneServesToo) {
+    const platform::ScopedServices services;
+    services->mainThread = std::make_shared<platform::FakeMainThread>();
+    auto& main = platform::mainThread();
+    expectWorkOnTheMainThread(main);
+    main.runAndWait([&] { expectWorkOnTheMainThread(main); });
+}
+
+TEST(WorkersFor, NumberThatIsNamedIsTaken) {
     EXPECT_EQ(workersFor(1), 1U);
     EXPECT_EQ(workersFor(16), 16U);
-    EXPECT_EQ(workersFor(WorkLimits::kOnePerCore),
-              std::max(1U, std::thread::hardware_concurrency()));
+    EXPECT_EQ(workersFor(64), 64U);
+    EXPECT_EQ(workersFor(1'000'000), 64U);
+}
+
+TEST(WorkersFor, AsChosenForTheProcessWhereNoneIsNamed) {
+    const platform::ScopedServices services;
+    services->jobs = 3;
+    EXPECT_EQ(workersFor(WorkLimits::kAsChosen), 3U);
+    EXPECT_EQ(workersFor(2), 2U);
+}
+
+TEST(WorkersFor, AsManyAsCoresWhereNothingIsChosen) {
+    EXPECT_EQ(workersFor(WorkLimits::kAsChosen),
+              std::clamp(std::thread::hardware_concurrency(), 1U, 64U));
 }
 
 }  // namespace

@@ -3,10 +3,12 @@
 #include <chrono>
 #include <memory>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <thread>
 #include <vector>
 
+#include <glib.h>
 #include <gtest/gtest.h>
 
 #include "platform/linux/GlibMainThread.h"
@@ -164,6 +166,135 @@ TEST(GlibMainThreadServing, NobodyHangsWhenTheLoopEnds) {
         callers.wait();
         EXPECT_EQ(done, 60);
     }
+}
+
+// ---- waiting for others who may ask for work
+
+/// Others that each have `rounds` pieces of work done, and who waits for them all.
+class Asking {
+public:
+    Asking(GlibMainThread& main, int others, int rounds)
+        : main_(main), left_(others), callers_(others, [this, rounds](int /*caller*/) {
+              for (int round = 0; round < rounds; ++round) {
+                  main_.runAndWait([this] {
+                      ++done;
+                      doers.insert(std::this_thread::get_id());
+                  });
+              }
+              --left_;
+              main_.wake();
+          }) {}
+
+    void waitServing() {
+        main_.waitServing([this] { return left_ == 0; });
+    }
+
+    int done = 0;  // unguarded on purpose, like the next
+    std::set<std::thread::id> doers;
+
+private:
+    GlibMainThread& main_;
+    std::atomic<int> left_;
+    test::Callers callers_;
+};
+
+TEST(GlibMainThreadWaiting, ServingThreadDoesTheWorkOfThoseItWaitsFor) {
+    Served served;
+    served.main().runAndWait([&] {
+        Asking others(served.main(), 4, 50);
+        others.waitServing();
+        EXPECT_EQ(others.done, 200);
+        EXPECT_EQ(others.doers, std::set{served.servant()});
+    });
+    bool goesOn = false;
+    served.main().runAndWait([&] { goesOn = true; });
+    EXPECT_TRUE(goesOn);
+}
+
+TEST(GlibMainThreadWaiting, WithoutALoopWhoeverIsAtWorkDoesTheWorkOfThoseItWaitsFor) {
+    GlibMainThread main;
+    main.runAndWait([&] {
+        Asking others(main, 4, 50);
+        others.waitServing();
+        EXPECT_EQ(others.done, 200);
+        EXPECT_EQ(others.doers, std::set{std::this_thread::get_id()});
+    });
+    EXPECT_FALSE(main.isCurrent());
+}
+
+TEST(GlibMainThreadWaiting, AnyOtherThreadOnlyWaits) {
+    GlibMainThread main;
+    Asking others(main, 4, 50);
+    others.waitServing();
+    EXPECT_EQ(others.done, 200);
+    EXPECT_EQ(others.doers.count(std::this_thread::get_id()), 0U);
+}
+
+TEST(GlibMainThreadWaiting, WorkThatIsDoneMeanwhileMayWaitItself) {
+    Served served;
+    served.main().runAndWait([&] {
+        std::atomic<bool> isDone = false;
+        test::Callers caller(1, [&](int /*caller*/) {
+            served.main().runAndWait([&] {
+                Asking others(served.main(), 2, 20);
+                others.waitServing();
+                EXPECT_EQ(others.done, 40);
+            });
+            isDone = true;
+            served.main().wake();
+        });
+        served.main().waitServing([&] { return isDone.load(); });
+    });
+}
+
+TEST(GlibMainThreadWaiting, FaultReachesWhoAskedAndTheWaitGoesOn) {
+    Served served;
+    served.main().runAndWait([&] {
+        std::atomic<int> faults = 0;
+        test::Callers caller(1, [&](int /*caller*/) {
+            for (int round = 0; round < 10; ++round) {
+                EXPECT_THROW(served.main().runAndWait([] { throw std::out_of_range("fault"); }),
+                             std::out_of_range);
+                ++faults;
+            }
+            served.main().wake();
+        });
+        served.main().waitServing([&] { return faults == 10; });
+        EXPECT_EQ(faults, 10);
+    });
+}
+
+TEST(GlibMainThreadWaiting, NothingToWaitForNeedsNoWake) {
+    GlibMainThread main;
+    main.waitServing([] { return true; });
+    main.runAndWait([&] { main.waitServing([] { return true; }); });
+    Served served;
+    served.main().runAndWait([&] { served.main().waitServing([] { return true; }); });
+}
+
+TEST(GlibMainThreadWaiting, LoopTurnsBetweenTheWorkOfOthers) {
+    Served served;
+    std::atomic<bool> isEnough = false;
+    test::Callers busy(4, [&](int /*caller*/) {
+        while (!isEnough) {
+            served.main().runAndWait([] {});
+        }
+    });
+    std::atomic<int> turns = 0;
+    for (int round = 0; round < 20; ++round) {
+        g_idle_add_full(
+            G_PRIORITY_DEFAULT,
+            [](gpointer count) -> gboolean {
+                ++*static_cast<std::atomic<int>*>(count);
+                return G_SOURCE_REMOVE;
+            },
+            &turns, nullptr);
+        while (turns == round) {
+            std::this_thread::sleep_for(1ms);
+        }
+    }
+    isEnough = true;
+    EXPECT_EQ(turns, 20);
 }
 
 TEST(GlibMainThreadTerminate, EndsTheToolsFirst) {

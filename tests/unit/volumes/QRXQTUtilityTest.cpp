@@ -56,6 +56,10 @@ public:
     void runAndWait(const std::function<void()>&) override {
         throw std::runtime_error("no main thread");
     }
+    void waitServing(const std::function<bool()>&) override {
+        throw std::runtime_error("no main thread");
+    }
+    void wake() override {}
     int serve() override { return 0; }
     void terminate() override {}
 };
