@@ -26,13 +26,21 @@ bool nextNotHidden(TreeWalk& walk) {
 
 }  // namespace
 
+bool SourceFileWalk::next() {
+    if (!nextNotHidden(walk_)) return false;
+    if (walk_.path().size() >= PATH_MAX) walk_.skipBelow();  // nothing there can be opened
+    return true;
+}
+
+bool SourceFileWalk::isFile() const {
+    return walk_.exists() && !walk_.isFolder();
+}
+
 bool forEachSourceFile(const FilePath& folder, const SourceFileVisitor& visit,
                        const UnreadableFolderVisitor& unreadable) {
-    TreeWalk walk(folder, unreadable);
-    while (nextNotHidden(walk)) {
-        if (walk.path().size() >= PATH_MAX) walk.skipBelow();  // nothing there can be opened
-        const bool isFile = walk.exists() && !walk.isFolder();
-        if (isFile && !visit(walk.path())) return false;
+    SourceFileWalk walk(folder, unreadable);
+    while (walk.next()) {
+        if (walk.isFile() && !visit(walk.path())) return false;
     }
     return true;
 }

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "foundation/FilePath.h"
@@ -31,6 +32,26 @@ using SourceFileVisitor = std::function<bool(const FilePath& file)>;
 /// @return  NO when `visit` ended the walk. What `visit` throws comes through.
 bool forEachSourceFile(const FilePath& folder, const SourceFileVisitor& visit,
                        const UnreadableFolderVisitor& unreadable = {});
+
+/// The walk of forEachSourceFile, a step at a time, for those who must be able to leave it between
+/// two files that lie far apart.
+///
+///     SourceFileWalk walk(folder);
+///     while (walk.next()) if (walk.isFile()) use(walk.path());
+class SourceFileWalk {
+public:
+    explicit SourceFileWalk(const FilePath& folder, UnreadableFolderVisitor unreadable = {})
+        : walk_(folder, std::move(unreadable)) {}
+
+    /// Steps to the next item, a folder perhaps; NO at the end.
+    [[nodiscard]] bool next();
+    /// Whether the item is one that forEachSourceFile shows.
+    [[nodiscard]] bool isFile() const;
+    [[nodiscard]] const FilePath& path() const { return walk_.path(); }
+
+private:
+    TreeWalk walk_;
+};
 
 /// The items that forEachSourceFile shows.
 [[nodiscard]] FilePaths sourceFiles(const FilePath& folder);

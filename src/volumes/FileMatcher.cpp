@@ -1,5 +1,6 @@
 #include "volumes/FileMatcher.h"
 
+#include <deque>
 #include <utility>
 
 #include "foundation/Enumeration.h"
@@ -15,53 +16,112 @@ FileMatcher::Utilities utilitiesOfTheAggregate() {
     return {shared.begin(), shared.end()};
 }
 
+/// What the walk over the locations comes by.
+struct Found {
+    enum class Kind { file, unreadableFolder, missingLocation };
+
+    Kind kind;
+    FilePath path;
+};
+
+/// Yields what is found at the locations, in their order.
+class LocationWalk {
+public:
+    LocationWalk(const LocationSource& locations, const std::atomic<bool>* isCancelled)
+        : locations_(locations), isCancelled_(isCancelled) {}
+    LocationWalk(const LocationWalk&) = delete;
+    LocationWalk& operator=(const LocationWalk&) = delete;
+
+    /// Nothing at the end, or when cancelled.
+    std::optional<Found> next() {
+        while (found_.empty()) {
+            const bool isCancelled = isCancelled_ != nullptr && *isCancelled_;
+            if (isCancelled || !(folder_ ? step() : goToNextLocation())) return std::nullopt;
+        }
+        Found first = std::move(found_.front());
+        found_.pop_front();
+        return first;
+    }
+
+private:
+    bool step() {
+        if (!folder_->next()) {
+            folder_.reset();
+        } else if (folder_->isFile()) {
+            found_.push_back({Found::Kind::file, folder_->path()});
+        }
+        return true;
+    }
+
+    bool goToNextLocation() {
+        std::optional<FilePath> location = locations_();
+        if (!location) return false;
+        if (folderExists(*location)) {
+            folder_.emplace(*location, [this](const FilePath& folder) {
+                found_.push_back({Found::Kind::unreadableFolder, folder});
+            });
+        } else {
+            const bool isThere = itemExists(*location);
+            found_.push_back(
+                {isThere ? Found::Kind::file : Found::Kind::missingLocation, std::move(*location)});
+        }
+        return true;
+    }
+
+    const LocationSource& locations_;
+    const std::atomic<bool>* isCancelled_;
+    std::optional<SourceFileWalk> folder_;  ///< the one that is walked
+    std::deque<Found> found_;               ///< and not yet yielded
+};
+
 }  // namespace
 
-/// One pass over the locations. Walking is apart from examining, so that the files which a walk
-/// yields can be examined elsewhere and their answers be told here, in the order of the walk.
+/// One pass over the locations. What is told is told here, on the thread of the run; walking and
+/// examining are done elsewhere.
 class FileMatcher::Run {
 public:
     Run(const FileMatcher& matcher, const MatchListener& listener)
         : matcher_(matcher), listener_(listener) {}
 
-    MatchSummary over(const FilePaths& locations) {
-        for (const FilePath& location : locations) {
-            if (!lookAt(location)) break;
-        }
+    MatchSummary over(const LocationSource& locations) {
+        using Clip = std::optional<PathDictionary>;
+        LocationWalk walk(locations, listener_.isCancelled);
+        const bool isWhole = performInOrder<Found, Clip>(
+            {.next = [&walk] { return walk.next(); },
+             .work =
+                 [this](const Found& found) {
+                     return found.kind == Found::Kind::file ? matcher_.examined(found.path)
+                                                            : Clip();
+                 },
+             .before = [this](const Found& found) { announce(found); },
+             .take = [this](const Found& found, Clip&& clip) { take(found, clip); },
+             .isCancelled =
+                 [this] { return listener_.isCancelled != nullptr && *listener_.isCancelled; }},
+            {.jobs = matcher_.options_.jobs});
+        summary_.wasCancelled = !isWhole;
         return summary_;
     }
 
 private:
-    /// NO when the run is to end.
-    bool lookAt(const FilePath& location) {
-        if (folderExists(location)) {
-            return forEachSourceFile(
-                location, [this](const FilePath& file) { return take(file); },
-                listener_.onUnreadableFolder);
-        }
-        return !itemExists(location) || take(location);
+    void announce(const Found& found) {
+        if (found.kind != Found::Kind::file || !listener_.onProgress) return;
+        listener_.onProgress({summary_.filesDone, summary_.clipsFound, found.path});
     }
 
-    /// NO when the run is to end.
-    bool take(const FilePath& file) {
-        if (isCancelled()) return false;
-        if (listener_.onProgress) {
-            listener_.onProgress({summary_.filesDone, summary_.clipsFound, file});
+    void take(const Found& found, const std::optional<PathDictionary>& clip) {
+        switch (found.kind) {
+            case Found::Kind::unreadableFolder:
+                if (listener_.onUnreadableFolder) listener_.onUnreadableFolder(found.path);
+                return;
+            case Found::Kind::missingLocation:
+                if (listener_.onMissingLocation) listener_.onMissingLocation(found.path);
+                return;
+            case Found::Kind::file:
+                ++summary_.filesDone;
+                if (!clip) return;
+                ++summary_.clipsFound;
+                listener_.onClip(*clip);
         }
-        const auto clip = matcher_.examined(file);
-        // Ending the tools in the middle of an examination turns its answer into a guess.
-        if (isCancelled()) return false;
-        ++summary_.filesDone;
-        if (clip) {
-            ++summary_.clipsFound;
-            listener_.onClip(*clip);
-        }
-        return true;
-    }
-
-    bool isCancelled() {
-        summary_.wasCancelled = listener_.isCancelled != nullptr && *listener_.isCancelled;
-        return summary_.wasCancelled;
     }
 
     const FileMatcher& matcher_;
@@ -69,13 +129,30 @@ private:
     MatchSummary summary_;
 };
 
-FileMatcher::FileMatcher() : FileMatcher(utilitiesOfTheAggregate()) {}
+FileMatcher::FileMatcher(MatchOptions options) : FileMatcher(utilitiesOfTheAggregate(), options) {}
 
-FileMatcher::FileMatcher(Utilities utilities)
-    : utilities_(std::move(utilities)), quickTime_(QRXQTUtility::volumeUtility()) {}
+FileMatcher::FileMatcher(Utilities utilities, MatchOptions options)
+    : utilities_(std::move(utilities)),
+      options_(options),
+      quickTime_(QRXQTUtility::volumeUtility()) {}
 
 MatchSummary FileMatcher::match(const FilePaths& locations, const MatchListener& listener) const {
+    auto next = locations.begin();
+    const LocationSource each = [&]() -> std::optional<FilePath> {
+        if (next == locations.end()) return std::nullopt;
+        return *next++;
+    };
+    return match(each, listener);
+}
+
+MatchSummary FileMatcher::match(const LocationSource& locations,
+                                const MatchListener& listener) const {
     return Run(*this, listener).over(locations);
+}
+
+const QRXHDMediaVolumeUtilityObject& FileMatcher::utilityForFile(const FilePath& file) const {
+    ExaminedPath path(file, examination());
+    return utilityForPath(path);
 }
 
 const QRXHDMediaVolumeUtilityObject& FileMatcher::utilityForPath(ExaminedPath& path) const {
@@ -93,7 +170,7 @@ PathDictionary FileMatcher::pathDictionary(ExaminedPath& path,
 }
 
 std::optional<PathDictionary> FileMatcher::examined(const FilePath& file) const {
-    ExaminedPath path(file);
+    ExaminedPath path(file, examination());
     const QRXHDMediaVolumeUtilityObject& utility = utilityForPath(path);
     if (utility.volumeType() == QRXHDMediaVolumeUtilityObject::kNoDefinedVolume) {
         return std::nullopt;

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "foundation/FilePath.h"
+#include "foundation/OrderedWork.h"
 #include "volumes/PathDictionary.h"
 #include "volumes/QRXHDMediaVolumeUtilityObject.h"
 #include "volumes/QRXQTUtility.h"
@@ -21,8 +22,8 @@ struct MatchProgress {
     const FilePath& currentFile;  ///< the file that is looked at next
 };
 
-/// Who wants to know what of a run. Every call comes on the thread of the run; what a call throws
-/// ends the run and comes out of it.
+/// Who wants to know what of a run. Every call comes on the thread of the run, in the same sequence
+/// however many workers there are; what a call throws ends the run and comes out of it.
 struct MatchListener {
     /// A clip, in the order in which clips are found.
     std::function<void(const PathDictionary&)> onClip;
@@ -30,9 +31,25 @@ struct MatchListener {
     std::function<void(const MatchProgress&)> onProgress;
     /// A folder on the way that could not be read, or not to its end. May be empty.
     std::function<void(const FilePath& folder)> onUnreadableFolder;
+    /// A location at which nothing exists. May be empty.
+    std::function<void(const FilePath& location)> onMissingLocation;
     /// Set by another thread to end the run before its next file. May be null.
     const std::atomic<bool>* isCancelled = nullptr;
 };
+
+/// How files are matched.
+struct MatchOptions {
+    /// Files that are examined at a time, at most WorkLimits::kMostJobs; 0: as many as were chosen
+    /// for the whole process, else one per core. The answers are the same.
+    unsigned jobs = WorkLimits::kAsChosen;
+    /// Whether the ffmpeg tool is spared files whose extension tells that they hold no video; see
+    /// Examination::quick.
+    bool isQuick = false;
+};
+
+/// The next location, nothing at the end. Asked on any thread, by one at a time, ahead of the files
+/// that are told of.
+using LocationSource = std::function<std::optional<FilePath>()>;
 
 /// What a run came to.
 struct MatchSummary {
@@ -47,19 +64,24 @@ struct MatchSummary {
 /// Locations are taken in order. One at which nothing exists is passed over; a file stands for
 /// itself; a folder stands for its source files, in the order of their enumeration. A file that is
 /// reached twice is told twice. Keeps nothing between runs: each works on the file system as it is
-/// at that moment.
+/// at that moment. Folders are walked, and files examined, by workers that run ahead of what is
+/// told (see OrderedWork); movies are opened on the main thread all the same.
 class FileMatcher {
 public:
     /// In order of precedence; none is null. They must outlive the matcher.
     using Utilities = std::vector<const QRXHDMediaVolumeUtilityObject*>;
 
     /// With the utilities of the aggregate.
-    FileMatcher();
-    explicit FileMatcher(Utilities utilities);
+    explicit FileMatcher(MatchOptions options = {});
+    explicit FileMatcher(Utilities utilities, MatchOptions options = {});
 
     MatchSummary match(const FilePaths& locations, const MatchListener& listener) const;
+    MatchSummary match(const LocationSource& locations, const MatchListener& listener) const;
 
-    /// The first utility that claims the path; the base object when none does.
+    /// The first utility that claims the file; the base object when none does.
+    [[nodiscard]] const QRXHDMediaVolumeUtilityObject& utilityForFile(const FilePath& file) const;
+
+    /// The same for a path under examination.
     [[nodiscard]] const QRXHDMediaVolumeUtilityObject& utilityForPath(ExaminedPath& path) const;
     /// What is told of a file that `utility` claims.
     [[nodiscard]] PathDictionary pathDictionary(ExaminedPath& path,
@@ -68,10 +90,14 @@ public:
 private:
     class Run;
 
+    [[nodiscard]] Examination examination() const {
+        return options_.isQuick ? Examination::quick : Examination::exact;
+    }
     /// Depends on nothing but the path, so that several files may be examined at the same time.
     [[nodiscard]] std::optional<PathDictionary> examined(const FilePath& file) const;
 
     Utilities utilities_;
+    MatchOptions options_;
     std::unique_ptr<QRXQTUtility> quickTime_;
 };
 

@@ -12,6 +12,12 @@ namespace qrx {
 
 namespace {
 
+/// Always in an exact examination.
+CheckVerdict isWorthTheTool(const QRXHDMediaVolumeUtilityObject& utility, ExaminedPath& path) {
+    return passesIf(path.examination() == Examination::exact ||
+                    utility.filePathExtensionIsValid(path.path()));
+}
+
 CheckVerdict passesIfReported(ExaminedPath& path, std::string_view identifier) {
     return passesIf(path.ffmpegMetadata().valueForKey(identifier).has_value());
 }
@@ -29,6 +35,7 @@ CheckVerdict hasVideoCodec(const QRXHDMediaVolumeUtilityObject&, ExaminedPath& p
 }
 
 constexpr std::array kReportChecks{
+    StructureCheck{"the file's name has no extension of files without video", isWorthTheTool},
     StructureCheck{"the ffmpeg tool reports a duration", hasDuration},
     StructureCheck{"the ffmpeg tool reports a bit rate", hasBitRate},
     StructureCheck{"the ffmpeg tool reports a video codec", hasVideoCodec},

@@ -13,15 +13,23 @@ namespace qrx {
 
 class QRXHDMediaVolumeUtilityObject;
 
+/// How much is done to tell whether a file is a clip.
+enum class Examination {
+    exact,  ///< everything that the utilities ask for
+    quick,  ///< the ffmpeg tool is not run on a file whose extension is one of files without video
+};
+
 /// One path under examination. What several checks, or several utilities, ask about the same path
 /// is worked out once, when it is first asked for.
 class ExaminedPath {
 public:
-    explicit ExaminedPath(const FilePath& path) : path_(path) {}
+    explicit ExaminedPath(const FilePath& path, Examination examination = Examination::exact)
+        : path_(path), examination_(examination) {}
     ExaminedPath(const ExaminedPath&) = delete;
     ExaminedPath& operator=(const ExaminedPath&) = delete;
 
     [[nodiscard]] const FilePath& path() const { return path_; }
+    [[nodiscard]] Examination examination() const { return examination_; }
     /// The whole path in upper case.
     [[nodiscard]] const std::string& upperCased();
     /// The whole path in lower case.
@@ -38,6 +46,7 @@ public:
 
 private:
     const FilePath& path_;
+    Examination examination_;
     std::optional<std::string> upperCased_;
     std::optional<std::string> lowerCased_;
     std::optional<QRXMetadataWrapper> ffmpegMetadata_;
