@@ -44,24 +44,45 @@ public:
     StreamPlace& operator=(const StreamPlace&) = delete;
 };
 
-std::optional<std::uint32_t> option(const BusValue::Dictionary& options, std::string_view name) {
+[[noreturn]] void refuseOption(std::string_view name, const std::string& why) {
+    throw BusError(BusFault::refused, std::string(platform::kInvalidArguments),
+                   std::string(name) + " " + why);
+}
+
+/// Nothing when the caller did not give it.
+template <class Kind>
+std::optional<Kind> option(const BusValue::Dictionary& options, std::string_view name,
+                           std::string_view type) {
     const auto found = std::find_if(options.begin(), options.end(),
                                     [&](const auto& one) { return one.first == name; });
     if (found == options.end()) return std::nullopt;
-    const auto* number = found->second.as<std::uint32_t>();
-    if (number == nullptr) {
-        throw BusError(BusFault::refused, std::string(platform::kInvalidArguments),
-                       std::string(name) + " is not of type u");
+    const Kind* value = found->second.template as<Kind>();
+    if (value == nullptr) refuseOption(name, "is not of type " + std::string(type));
+    return *value;
+}
+
+std::optional<std::uint32_t> number(const BusValue::Dictionary& options, std::string_view name) {
+    return option<std::uint32_t>(options, name, "u");
+}
+
+MatchOptions matchOptions(const BusValue::Dictionary& options) {
+    MatchOptions chosen;
+    if (const auto jobs = number(options, "jobs")) {
+        if (*jobs < 1 || *jobs > WorkLimits::kMostJobs) {
+            refuseOption("jobs", "is no number from 1 to " + std::to_string(WorkLimits::kMostJobs));
+        }
+        chosen.jobs = *jobs;
     }
-    return *number;
+    chosen.isQuick = option<bool>(options, "quick", "b").value_or(false);
+    return chosen;
 }
 
 /// Tells the caller how far its request has come, and not too often.
 class ProgressTeller {
 public:
     ProgressTeller(std::string receiver, const BusValue::Dictionary& options)
-        : receiver_(std::move(receiver)), id_(option(options, "id").value_or(0)) {
-        if (const auto given = option(options, "progressInterval")) {
+        : receiver_(std::move(receiver)), id_(number(options, "id").value_or(0)) {
+        if (const auto given = number(options, "progressInterval")) {
             interval_ = std::chrono::milliseconds{*given};
         }
     }
@@ -85,14 +106,14 @@ private:
 };
 
 MatchSummary matchInto(LineWriter& writer, ProgressTeller& progress, const FilePaths& locations,
-                       const CallerWatch& caller) {
+                       MatchOptions options, const CallerWatch& caller) {
     MatchListener listener;
     listener.onClip = [&](const PathDictionary& clip) { writer.write(jsonLine(clip)); };
     listener.onProgress = [&](const MatchProgress& so) {
         progress.tell(so.filesDone, so.clipsFound);
     };
     listener.isCancelled = &caller.isGone();
-    return FileMatcher().match(locations, listener);
+    return FileMatcher(options).match(locations, listener);
 }
 
 }  // namespace
@@ -101,11 +122,13 @@ platform::BusAnswer streamFilePathDictionaries(const platform::BusCall& call,
                                                platform::Clock::Duration stallLimit) {
     const StreamPlace place;
     const FilePaths locations = decodedPaths(call.arguments.at(0));
-    ProgressTeller progress(call.sender, call.argument<BusValue::Dictionary>(1));
+    const auto& options = call.argument<BusValue::Dictionary>(1);
+    const MatchOptions chosen = matchOptions(options);
+    ProgressTeller progress(call.sender, options);
     LineWriter writer(call.argument<platform::BusDescriptor>(2), stallLimit, call.callerGone);
     const CallerWatch caller(call.callerGone);
     try {
-        const MatchSummary summary = matchInto(writer, progress, locations, caller);
+        const MatchSummary summary = matchInto(writer, progress, locations, chosen, caller);
         if (summary.wasCancelled) throw WritingCancelled{};
         return platform::BusValues{summary.filesDone, summary.clipsFound};
     } catch (const ReaderStalled& fault) {

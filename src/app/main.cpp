@@ -1,6 +1,7 @@
 // The service: composes the library, the services of this system and the controller that a host
 // talks to. Argument 1 is the connection name.
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
@@ -12,10 +13,12 @@
 #include <thread>
 
 #include <fcntl.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include "app/Composition.h"
 #include "foundation/NeutralAnswer.h"
+#include "foundation/OrderedWork.h"
 #include "platform/linux/PlatformServices.h"
 #include "platform/ports/Services.h"
 
@@ -78,15 +81,38 @@ bool asksForPlainTool() {
     return chosen != nullptr && std::string_view(chosen) == "1";
 }
 
+void chooseJobs() {
+    const char* const chosen = std::getenv("QRX_JOBS");
+    if (chosen == nullptr || *chosen == '\0') return;
+    if (const auto jobs = jobsNamed(chosen)) {
+        platform::services().jobs = *jobs;
+    } else {
+        platform::systemLog().notice(std::string("QRX_JOBS is no number from 1 to ") +
+                                     std::to_string(WorkLimits::kMostJobs) + ": " + chosen);
+    }
+}
+
+/// Several requests with many workers each, every one running a tool, need more descriptors than
+/// most systems allow at first.
+void allowManyDescriptors() {
+    constexpr rlim_t kEnough = 16384;
+    struct rlimit limit {};
+    if (::getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur >= kEnough) return;
+    limit.rlim_cur = std::min(limit.rlim_max, kEnough);
+    ::setrlimit(RLIMIT_NOFILE, &limit);
+}
+
 int serve(int argc, char** argv) {
     prepareStandardStreams();
     const sigset_t ends = holdBackEndSignals();
+    allowManyDescriptors();
     chooseFfmpeg();
     platform::services().resourceFolder = resourceFolder();
     platform::services().arguments.assign(argv, argv + argc);
     platform::PlatformOptions options;
     options.usesPlainTool = asksForPlainTool();
     platform::installPlatformServices(options);
+    chooseJobs();
     endOnSignal(ends);
     const auto application = composeApplication();
     return platform::mainThread().serve();

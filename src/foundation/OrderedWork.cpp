@@ -1,6 +1,7 @@
 #include "foundation/OrderedWork.h"
 
 #include <algorithm>
+#include <charconv>
 #include <condition_variable>
 #include <csignal>
 #include <deque>
@@ -21,6 +22,14 @@ unsigned workersFor(unsigned jobs) {
     if (jobs == WorkLimits::kAsChosen) jobs = platform::services().jobs;
     if (jobs == platform::Services::kOneJobPerCore) jobs = std::thread::hardware_concurrency();
     return std::clamp(jobs, 1U, WorkLimits::kMostJobs);
+}
+
+std::optional<unsigned> jobsNamed(std::string_view text) {
+    unsigned jobs = 0;
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), jobs);
+    const bool isNumber = error == std::errc() && end == text.data() + text.size();
+    if (!isNumber || jobs < 1 || jobs > WorkLimits::kMostJobs) return std::nullopt;
+    return jobs;
 }
 
 namespace detail {

@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <string_view>
 #include <utility>
 
 namespace qrx {
@@ -26,6 +27,9 @@ struct WorkLimits {
 /// The number of workers that `jobs` means: from 1 to kMostJobs; one per core that the process may
 /// use where neither it nor the process has chosen.
 [[nodiscard]] unsigned workersFor(unsigned jobs);
+
+/// The number of workers that a text names: decimal digits, from 1 to kMostJobs; else nothing.
+[[nodiscard]] std::optional<unsigned> jobsNamed(std::string_view text);
 
 /// Work on a row of items, several at a time, of which an observer sees one at a time and in order.
 ///

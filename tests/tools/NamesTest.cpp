@@ -101,7 +101,7 @@ protected:
 
     std::vector<std::string> names(char separator) {
         closeInput();
-        NameReader reader(pipe_[0], separator, wake_);
+        NameReader reader(pipe_[0], separator, {wake_});
         std::vector<std::string> all;
         while (auto name = reader.next()) {
             all.push_back(*name);
@@ -139,7 +139,7 @@ TEST_F(NameReaderTest, BlanksAndCarriageReturnsBelongToTheName) {
 
 TEST_F(NameReaderTest, GivesUpWhenWoken) {
     put("half a na");
-    NameReader reader(pipe_[0], '\n', wake_);
+    NameReader reader(pipe_[0], '\n', {-1, wake_});
     const std::uint64_t one = 1;
     ASSERT_EQ(::write(wake_, &one, sizeof one), static_cast<ssize_t>(sizeof one));
     EXPECT_EQ(reader.next(), std::nullopt);

@@ -29,5 +29,9 @@ void addHelpCommand(CLI::App& program, Job& job);
 
 /// --ffmpeg, --tool-limit and --plain-tool.
 void addToolOptions(CLI::App& command, ToolOptions& options);
+/// --jobs, for commands that examine many files.
+void addJobsOption(CLI::App& command, ToolOptions& options);
+/// --exact, for commands that run the ffmpeg tool only where a video may be; sets `isExact`.
+void addExactOption(CLI::App& command, bool& isExact);
 
 }  // namespace qrx::tool

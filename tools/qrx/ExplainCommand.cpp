@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <fmt/core.h>
@@ -8,8 +9,8 @@
 
 #include "app/ClipRecord.h"
 #include "qrx/Commands.h"
+#include "qrx/GivenFiles.h"
 #include "qrx/JsonText.h"
-#include "qrx/Names.h"
 #include "qrx/ShownText.h"
 #include "qrx/ToolReports.h"
 #include "volumes/QRXHDMediaVolumeAggregate.h"
@@ -118,22 +119,20 @@ int explain(const ExplainOptions& options, Session& session) {
     auto all = nlohmann::ordered_json::array();
     int status = kDone;
     std::string between;
-    for (const std::string& argument : options.files) {
-        const FilePath file = absolutePath(argument);
-        if (const auto why = whyNoFile(file)) {
-            session.console.say((argument.empty() ? "''" : shown(argument)) + ": " + *why);
-            status = kTrouble;
-            continue;
-        }
-        const Explanation explanation = explanationOf(file, session.isCancelled);
-        if (session.isCancelled) return kTrouble;
+    FileQuestion<Explanation> question;
+    question.ask = [&](const FilePath& file) { return explanationOf(file, session.isCancelled); };
+    question.complain = [&](const std::string& argument, const std::string& why) {
+        session.console.say((argument.empty() ? "''" : shown(argument)) + ": " + why);
+        status = kTrouble;
+    };
+    question.take = [&](const std::string&, const FilePath&, const Explanation& explanation) {
         if (asJson) {
             all.push_back(explanationJson(explanation));
         } else {
-            session.output.write(between + explanationText(explanation));
-            between = "\n";
+            session.output.write(std::exchange(between, "\n") + explanationText(explanation));
         }
-    }
+    };
+    if (!askAboutFiles(options.files, session, question)) return kTrouble;
     constexpr int kIndent = 2;
     if (asJson) session.output.write(jsonText(all, kIndent) + "\n");
     return status;
@@ -151,6 +150,7 @@ void addExplainCommand(CLI::App& program, Job& job) {
         ->type_name("text|json")
         ->capture_default_str()
         ->check(CLI::IsMember({"text", "json"}).description(""));
+    addJobsOption(command, *tools);
     addToolOptions(command, *tools);
     command.footer(kFooter);
     command.callback([options, tools, &job] {

@@ -12,11 +12,11 @@
 #include "foundation/Text.h"
 #include "qrx/ClipInfo.h"
 #include "qrx/Commands.h"
+#include "qrx/GivenFiles.h"
 #include "qrx/JsonText.h"
-#include "qrx/Names.h"
 #include "qrx/ShownText.h"
 #include "qrx/ToolReports.h"
-#include "volumes/QRXHDMediaVolumeAggregate.h"
+#include "volumes/FileMatcher.h"
 
 namespace qrx::tool {
 
@@ -26,6 +26,9 @@ constexpr const char* kFooter = R"(
 Tells everything that the layout of a clip knows about it. What it does not know
 is "-" in text and null in JSON. The number behind the name of a frame rate is
 the one that is stored and exchanged with other programs.
+
+Without --exact ffmpeg is not asked whether a file is a video whose name ends as
+those of pictures, texts and the like do (see qrx scan --help, --quick).
 
 Exit status: 0 every file is a clip and was told; 1 a file is missing, or no
 layout claims it (it is named on standard error); 2 wrong usage; 130 after Ctrl-C.
@@ -37,6 +40,7 @@ Examples:
 struct InfoOptions {
     std::vector<std::string> files;
     std::string format = "text";
+    bool isExact = false;
 };
 
 // ---- as text
@@ -150,28 +154,25 @@ int tell(const InfoOptions& options, Session& session) {
         session.console.say((argument.empty() ? "''" : shown(argument)) + ": " + why);
         status = kTrouble;
     };
-    for (const std::string& argument : options.files) {
-        const FilePath file = absolutePath(argument);
-        if (const auto why = whyNoFile(file)) {
-            complain(argument, *why);
-            continue;
-        }
-        const auto& utility =
-            QRXHDMediaVolumeAggregate::sharedInstance().utilityForFileAtPath(file);
+    const FileMatcher matcher(MatchOptions{.isQuick = !options.isExact});
+    FileQuestion<std::optional<ClipInfo>> question;
+    question.ask = [&matcher](const FilePath& file) -> std::optional<ClipInfo> {
+        const auto& utility = matcher.utilityForFile(file);
         const bool isClip = utility.volumeType() != QRXHDMediaVolumeUtilityObject::kNoDefinedVolume;
-        if (!isClip && !session.isCancelled) {
+        return isClip ? std::optional(infoOf(file, utility)) : std::nullopt;
+    };
+    question.complain = complain;
+    question.take = [&](const std::string& argument, const FilePath&,
+                        const std::optional<ClipInfo>& info) {
+        if (!info) {
             complain(argument, "no layout claims it (qrx explain says why)");
-            continue;
-        }
-        if (session.isCancelled) return kTrouble;
-        const ClipInfo info = infoOf(file, utility);
-        if (session.isCancelled) return kTrouble;
-        if (asJson) {
-            all.push_back(infoJson(info));
+        } else if (asJson) {
+            all.push_back(infoJson(*info));
         } else {
-            session.output.write(std::exchange(between, "\n") + infoText(info));
+            session.output.write(std::exchange(between, "\n") + infoText(*info));
         }
-    }
+    };
+    if (!askAboutFiles(options.files, session, question)) return kTrouble;
     constexpr int kIndent = 2;
     if (asJson) session.output.write(jsonText(all, kIndent) + "\n");
     return status;
@@ -188,6 +189,8 @@ void addInfoCommand(CLI::App& program, Job& job) {
         ->type_name("text|json")
         ->capture_default_str()
         ->check(CLI::IsMember({"text", "json"}).description(""));
+    addExactOption(command, options->isExact);
+    addJobsOption(command, *tools);
     addToolOptions(command, *tools);
     command.footer(kFooter);
     command.callback([options, tools, &job] {

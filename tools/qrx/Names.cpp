@@ -1,5 +1,6 @@
 #include "qrx/Names.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <filesystem>
@@ -83,10 +84,15 @@ std::optional<std::string> NameReader::next() {
 }
 
 bool NameReader::readMore() {
-    std::array<pollfd, 2> watched{pollfd{descriptor_, POLLIN, 0}, pollfd{wake_, POLLIN, 0}};
+    std::vector<pollfd> watched{pollfd{descriptor_, POLLIN, 0}};
+    for (const int wake : wakes_) {
+        watched.push_back({wake, POLLIN, 0});
+    }
     while (::poll(watched.data(), watched.size(), -1) < 0) {
     }
-    if (watched[1].revents != 0) {
+    const bool isWoken = std::any_of(watched.begin() + 1, watched.end(),
+                                     [](const pollfd& wake) { return wake.revents != 0; });
+    if (isWoken) {
         pending_.clear();
         return false;
     }

@@ -3,6 +3,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
+#include <vector>
 
 namespace qrx::tool {
 
@@ -22,9 +24,9 @@ namespace qrx::tool {
 class NameReader {
 public:
     /// @param descriptor  is read but not closed.
-    /// @param wake        the reader gives up when this becomes readable.
-    NameReader(int descriptor, char separator, int wake)
-        : descriptor_(descriptor), separator_(separator), wake_(wake) {}
+    /// @param wakes       the reader gives up when one of these becomes readable.
+    NameReader(int descriptor, char separator, std::vector<int> wakes)
+        : descriptor_(descriptor), separator_(separator), wakes_(std::move(wakes)) {}
 
     /// Nothing at the end. Throws std::system_error when reading fails.
     [[nodiscard]] std::optional<std::string> next();
@@ -34,7 +36,7 @@ private:
 
     int descriptor_;
     char separator_;
-    int wake_;
+    std::vector<int> wakes_;
     std::string pending_;
     bool atEnd_ = false;
 };

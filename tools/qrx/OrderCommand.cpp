@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "qrx/Commands.h"
-#include "qrx/Names.h"
+#include "qrx/GivenFiles.h"
 #include "qrx/ShownText.h"
 #include "qrx/ToolReports.h"
 #include "volumes/QRXHDMediaVolumeAggregate.h"
@@ -46,10 +46,18 @@ public:
 
     int run() {
         reportToolProblems(session_.console);
-        for (const std::string& argument : options_.files) {
-            take(argument);
-            if (session_.isCancelled) return kTrouble;
-        }
+        FileQuestion<const QRXHDMediaVolumeUtilityObject*> question;
+        question.ask = [](const FilePath& file) {
+            return &QRXHDMediaVolumeAggregate::sharedInstance().utilityForFileAtPath(file);
+        };
+        question.take = [this](const std::string& argument, const FilePath& file,
+                               const QRXHDMediaVolumeUtilityObject* utility) {
+            take(argument, file, *utility);
+        };
+        question.complain = [this](const std::string& argument, const std::string& why) {
+            complain(argument, why);
+        };
+        if (!askAboutFiles(options_.files, session_, question)) return kTrouble;
         for (const ClipsOfLayout& layout : layouts_) {
             const FilePaths ordered = layout.utility->orderVolumeVideoFiles(layout.clips);
             if (session_.isCancelled) return kTrouble;
@@ -60,15 +68,8 @@ public:
     }
 
 private:
-    void take(const std::string& argument) {
-        const FilePath file = absolutePath(argument);
-        if (const auto why = whyNoFile(file)) {
-            complain(argument, *why);
-            return;
-        }
-        const auto& utility =
-            QRXHDMediaVolumeAggregate::sharedInstance().utilityForFileAtPath(file);
-        if (session_.isCancelled) return;  // its answer may be that of an ended tool
+    void take(const std::string& argument, const FilePath& file,
+              const QRXHDMediaVolumeUtilityObject& utility) {
         if (utility.volumeType() == QRXHDMediaVolumeUtilityObject::kNoDefinedVolume) {
             complain(argument, "no layout claims it (qrx explain says why)");
             return;
@@ -106,6 +107,7 @@ void addOrderCommand(CLI::App& program, Job& job) {
         *program.add_subcommand("order", "Put clips in the order in which they were recorded");
     command.add_option("FILE", options->files, "The clips")->required();
     command.add_flag("-0,--null", options->namesEndInNul, "End each path with a NUL byte");
+    addJobsOption(command, *tools);
     addToolOptions(command, *tools);
     command.footer(kFooter);
     command.callback([options, tools, &job] {

@@ -8,7 +8,7 @@
 
 #include "qrx/ClipWriter.h"
 #include "qrx/Commands.h"
-#include "qrx/Names.h"
+#include "qrx/Locations.h"
 #include "qrx/ShownText.h"
 #include "qrx/Terminal.h"
 #include "qrx/ToolReports.h"
@@ -30,6 +30,15 @@ Formats:
   A path that is not UTF-8 stands in "filePathBytes", in base64, in the place of
   "filePath"; in CSV so does a path with control characters such as line ends.
 
+Several files are examined at a time (--jobs); the output is the same for any
+number of them.
+
+With --quick ffmpeg is not run on a file that no card layout claims and whose name
+ends in bmp, jpg, jpeg, gif, png, tif, tiff, psd, pdf, txt, rtf, xml, smi, cpi, mpl,
+int, bnp, bdm, thm, r3d, aif, aiff or dmg, in any case and with or without a dot
+("PRINT" ends in "int"). Left out are then the pictures and animations that ffmpeg
+takes for videos, and movies under such names.
+
 Names that begin with "-" go behind "--".
 
 Exit status: 0 the scan ran; 1 something could not be scanned or written (it is
@@ -46,6 +55,7 @@ struct ScanOptions {
     bool isWide = false;
     bool readsNames = false;
     bool namesEndInNul = false;
+    bool isQuick = false;
 };
 
 std::size_t longestTitle() {
@@ -70,14 +80,22 @@ std::unique_ptr<ClipWriter> makeWriter(const ScanOptions& options, Output& outpu
 class Scan {
 public:
     Scan(const ScanOptions& options, Session& session)
-        : options_(options), session_(session), writer_(makeWriter(options, session.output)) {
+        : session_(session),
+          writer_(makeWriter(options, session.output)),
+          locations_(options.paths, session),
+          matcher_(MatchOptions{.isQuick = options.isQuick}) {
+        if (options.readsNames) locations_.readNames(options.namesEndInNul ? '\0' : '\n');
         listener_.onClip = [this](const PathDictionary& clip) { write(clip); };
         listener_.onProgress = [this](const MatchProgress& progress) {
-            session_.console.progress(filesDone_ + progress.filesDone,
-                                      clipsFound_ + progress.clipsFound, progress.currentFile);
+            session_.console.progress(progress.filesDone, progress.clipsFound,
+                                      progress.currentFile);
         };
         listener_.onUnreadableFolder = [this](const FilePath& folder) {
             complain(folder, "cannot be read, or not to its end");
+        };
+        listener_.onMissingLocation = [this](const FilePath& location) {
+            const Locations::Missing missing = locations_.missing(location);
+            complain(missing.argument, missing.why);
         };
         listener_.isCancelled = &session.isCancelled;
     }
@@ -85,14 +103,12 @@ public:
     int run() {
         reportToolProblems(session_.console);
         session_.console.startProgress();
-        for (const std::string& path : options_.paths) {
-            scan(path);
-        }
-        if (options_.readsNames) scanNames();
+        const MatchSummary summary =
+            matcher_.match([this] { return locations_.next(); }, listener_);
         session_.console.stopProgress();
         if (session_.isCancelled) return kTrouble;
         writer_->finish();
-        if (isTerminal(STDERR_FILENO)) session_.console.say(summary());
+        if (isTerminal(STDERR_FILENO)) session_.console.say(summaryText(summary));
         return status_;
     }
 
@@ -102,31 +118,10 @@ private:
         if (!session_.output.isGood()) session_.isCancelled = true;
     }
 
-    void scanNames() {
-        NameReader names(session_.originalInput, options_.namesEndInNul ? '\0' : '\n',
-                         session_.interruption.descriptor());
-        while (!session_.isCancelled) {
-            const auto name = names.next();
-            if (!name) return;
-            scan(*name);
-        }
-    }
-
-    void scan(const std::string& argument) {
-        if (session_.isCancelled) return;
-        const FilePath location = absolutePath(argument);
-        if (const auto why = whyMissing(location)) {
-            complain(argument, *why);
-            return;
-        }
-        const MatchSummary summary = matcher_.match({location}, listener_);
-        filesDone_ += summary.filesDone;
-        clipsFound_ += summary.clipsFound;
-    }
-
-    [[nodiscard]] std::string summary() const {
-        return fmt::format("{} {} in {} {}", clipsFound_, clipsFound_ == 1 ? "clip" : "clips",
-                           filesDone_, filesDone_ == 1 ? "file" : "files");
+    [[nodiscard]] static std::string summaryText(const MatchSummary& summary) {
+        return fmt::format("{} {} in {} {}", summary.clipsFound,
+                           summary.clipsFound == 1 ? "clip" : "clips", summary.filesDone,
+                           summary.filesDone == 1 ? "file" : "files");
     }
 
     void complain(const std::string& path, const std::string& why) {
@@ -134,13 +129,11 @@ private:
         status_ = kTrouble;
     }
 
-    const ScanOptions& options_;
     Session& session_;
     std::unique_ptr<ClipWriter> writer_;
+    Locations locations_;
     FileMatcher matcher_;
     MatchListener listener_;
-    std::uint64_t filesDone_ = 0;
-    std::uint64_t clipsFound_ = 0;
     int status_ = kDone;
 };
 
@@ -168,6 +161,9 @@ void addScanCommand(CLI::App& program, Job& job) {
         .add_flag("-0,--null", options->namesEndInNul,
                   "Those paths end in a NUL byte (find -print0)")
         ->needs(fromStdin);
+    command.add_flag("--quick", options->isQuick,
+                     "Spare ffmpeg files whose extension is one of files without video");
+    addJobsOption(command, *tools);
     addToolOptions(command, *tools);
     command.footer(kFooter);
     command.callback([options, tools, &job] {

@@ -14,7 +14,7 @@
 #include "foundation/Text.h"
 #include "qrx/Commands.h"
 #include "qrx/JsonText.h"
-#include "qrx/Names.h"
+#include "qrx/Locations.h"
 #include "qrx/ShownText.h"
 #include "qrx/ToolReports.h"
 #include "qrx/spans/Series.h"
@@ -140,14 +140,17 @@ FileMatcher::Utilities utilitiesThatDecide() {
 class SeriesSearch {
 public:
     SeriesSearch(const SeriesOptions& options, Session& session)
-        : options_(options), session_(session) {
+        : options_(options), session_(session), locations_(options.paths, session) {
         listener_.onClip = [this](const PathDictionary& clip) { keep(clip); };
         listener_.onProgress = [this](const MatchProgress& progress) {
-            session_.console.progress(filesDone_ + progress.filesDone, seen_.size(),
-                                      progress.currentFile);
+            session_.console.progress(progress.filesDone, seen_.size(), progress.currentFile);
         };
         listener_.onUnreadableFolder = [this](const FilePath& folder) {
             complain(folder, "cannot be read, or not to its end");
+        };
+        listener_.onMissingLocation = [this](const FilePath& location) {
+            const Locations::Missing missing = locations_.missing(location);
+            complain(missing.argument, missing.why);
         };
         listener_.isCancelled = &session.isCancelled;
     }
@@ -155,9 +158,7 @@ public:
     int run() {
         reportToolProblems(session_.console);
         session_.console.startProgress();
-        for (const std::string& path : options_.paths) {
-            search(path);
-        }
+        (void)matcher_.match([this] { return locations_.next(); }, listener_);
         session_.console.stopProgress();
         const std::vector<Series> all = series();
         if (session_.isCancelled) return kTrouble;
@@ -170,16 +171,6 @@ public:
     }
 
 private:
-    void search(const std::string& argument) {
-        if (session_.isCancelled) return;
-        const FilePath location = absolutePath(argument);
-        if (const auto why = whyMissing(location)) {
-            complain(argument, *why);
-            return;
-        }
-        filesDone_ += matcher_.match({location}, listener_).filesDone;
-    }
-
     /// Once, however often it is reached.
     void keep(const PathDictionary& clip) {
         if (seen_.insert(clip.filePath).second) clips_[clip.volumeTitle].push_back(clip.filePath);
@@ -220,11 +211,11 @@ private:
 
     const SeriesOptions& options_;
     Session& session_;
+    Locations locations_;
     FileMatcher matcher_{utilitiesThatDecide()};
     MatchListener listener_;
     std::unordered_set<FilePath> seen_;
     std::map<std::string, FilePaths> clips_;  ///< by layout
-    std::uint64_t filesDone_ = 0;
     int status_ = kDone;
 };
 
@@ -240,6 +231,7 @@ void addSeriesCommand(CLI::App& program, Job& job) {
         ->type_name("text|json")
         ->capture_default_str()
         ->check(CLI::IsMember({"text", "json"}).description(""));
+    addJobsOption(command, *tools);
     addToolOptions(command, *tools);
     command.footer(kFooter);
     command.callback([options, tools, &job] {

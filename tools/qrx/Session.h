@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 
+#include "platform/ports/Services.h"
 #include "qrx/Console.h"
 #include "qrx/Interruption.h"
 #include "qrx/Output.h"
@@ -17,9 +18,10 @@ enum ExitStatus : int {
     kUsage = 2,
 };
 
-/// How the external tools are run.
+/// How files are examined, and the external tools run.
 struct ToolOptions {
-    std::string ffmpegPath;      ///< empty: wherever it is installed
+    unsigned jobs = platform::Services::kOneJobPerCore;  ///< files at a time
+    std::string ffmpegPath;                              ///< empty: wherever it is installed
     double secondsAtMost = 120;  ///< a tool that runs longer is ended; 0: never
     bool isPlain = false;        ///< no warm parents, every tool is started in full
 };

@@ -84,6 +84,7 @@ void installServices(const ToolOptions& tools, Console& console) {
     };
     options.usesPlainTool = tools.isPlain;
     platform::services().ffmpegPath = tools.ffmpegPath;
+    platform::services().jobs = tools.jobs;
     platform::services().resourceFolder = resourceFolder();
     platform::installPlatformServices(options);
 }

@@ -492,5 +492,16 @@ TEST(WorkersFor, AsManyAsCoresWhereNothingIsChosen) {
               std::clamp(std::thread::hardware_concurrency(), 1U, 64U));
 }
 
+TEST(JobsNamed, NumbersFromOneToSixtyFour) {
+    EXPECT_EQ(jobsNamed("1"), 1U);
+    EXPECT_EQ(jobsNamed("16"), 16U);
+    EXPECT_EQ(jobsNamed("64"), 64U);
+    for (const char* const text :
+         {"", "0", "65", "-1", "+4", " 4", "4 ", "4x", "x", "0x4", "1.5", "99999999999999999999"}) {
+        SCOPED_TRACE(text);
+        EXPECT_EQ(jobsNamed(text), std::nullopt);
+    }
+}
+
 }  // namespace
 }  // namespace qrx
