@@ -112,6 +112,7 @@ public:
             if (isCancelled()) return false;
             if (turn->fault) std::rethrow_exception(turn->fault);
             turn->take();
+            if (isCancelled()) return false;  // the next item may be long in coming
             passFront();
         }
         return !isCancelled();

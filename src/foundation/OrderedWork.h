@@ -46,7 +46,8 @@ struct WorkLimits {
 template <class Item, class Result>
 struct OrderedWork {
     /// The next item, nothing at the end. Called by one thread at a time, not always by the same,
-    /// and not again after the end or a fault.
+    /// and not again after the end or a fault. Where items may be long in coming it gives up when
+    /// platform::RunsUntil::current() stops: the run has ended then.
     std::function<std::optional<Item>()> next;
     /// What comes of an item. Called for several items at the same time.
     std::function<Result(const Item&)> work;

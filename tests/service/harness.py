@@ -149,6 +149,11 @@ class ServiceTest(unittest.TestCase):
             f"exec sleep {seconds}\n"))
         return self.write("slow/clip.xyz", "not a movie")
 
+    @staticmethod
+    def resources_of(service):
+        """Its threads, and its open descriptors."""
+        return tuple(len(os.listdir(f"/proc/{service.pid}/{kind}")) for kind in ("task", "fd"))
+
     def tool_pids(self):
         try:
             with open(self.path("tool-pids"), encoding="utf-8") as file:
@@ -183,15 +188,17 @@ class ServiceTest(unittest.TestCase):
         own = {"DBUS_SESSION_BUS_ADDRESS": self.address, "QRX_FFMPEG": "/nowhere/ffmpeg"}
         return {**os.environ, **own, **more}
 
-    def start_service(self, *arguments, tool=None, **options):
-        """Not waited for; a `tool` takes the place of ffmpeg."""
+    def start_service(self, *arguments, tool=None, jobs=None, **options):
+        """Not waited for; a `tool` takes the place of ffmpeg, `jobs` is said in QRX_JOBS."""
         more = {"QRX_FFMPEG": tool} if tool else {}
+        if jobs is not None:
+            more["QRX_JOBS"] = str(jobs)
         return self.start([PROGRAM, *arguments], env=self.environment(**more), **options)
 
-    def start_vended(self, name="Cards", *arguments, tool=None, **options):
+    def start_vended(self, name="Cards", *arguments, tool=None, jobs=None, **options):
         """With a host, and once it serves."""
         self.host = self.start_host()
-        service = self.start_service(name, *arguments, tool=tool, **options)
+        service = self.start_service(name, *arguments, tool=tool, jobs=jobs, **options)
         self.name = bus_name(name)
         self.assertTrue(wait_until(lambda: self.client.has_owner(self.name)),
                         "the service took no name")

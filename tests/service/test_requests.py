@@ -161,6 +161,53 @@ class Sizes(Requests):
         self.assertEqual(len(self.clips(folder)), 500)
 
 
+class Workers(Requests):
+    """One request is matched by several workers, on the main thread and beside it."""
+
+    def make_files_for_the_movie_probe(self, count):
+        """Nobody tells them by name, so that each is opened on the main thread."""
+        return [self.write(f"probed/{number:03}.xyz", "no movie") for number in range(count)]
+
+    def test_answer_and_its_order_are_those_of_one_worker(self):
+        clips = self.make_sony_card(50)
+        self.make_files_for_the_movie_probe(50)
+        self.write("probed/050.mov")
+        answers = []
+        for jobs in (1, 2, 16):
+            service = self.start_vended(f"Cards{jobs}", jobs=jobs)
+            answers.append(self.clips(self.path("probed"), self.path("card"), clips[7]))
+            service.terminate()
+            self.assert_ends(service)
+        self.assertEqual(len(answers[0]), 52)
+        self.assertEqual(answers[0], answers[1])
+        self.assertEqual(answers[0], answers[2])
+
+    def test_workers_open_movies_on_the_main_thread_that_waits_for_them(self):
+        self.make_files_for_the_movie_probe(300)
+        service = self.start_vended(jobs=16)
+        for _ in range(5):
+            self.assertEqual(self.clips(self.path("probed")), [])
+        self.assertEqual(self.process_identifier(), service.pid)
+
+    def test_requests_beside_each_other_while_all_open_movies(self):
+        self.make_files_for_the_movie_probe(200)
+        self.make_sony_card(3)
+        self.start_vended(jobs=8)
+        places = [self.path("probed"), self.path("card")]
+        asked = [self.ask_in_background(*places, client=self.new_client()) for _ in range(4)]
+        for one in asked:
+            self.assertTrue(one.done.wait(60))
+            self.assertEqual(len(one.clips), 3)
+
+    def test_number_of_jobs_that_is_none_counts_as_none_given(self):
+        for jobs in ("0", "65", "many", ""):
+            with self.subTest(jobs):
+                service = self.start_vended(f"Cards{jobs}", jobs=jobs)
+                self.assertEqual(len(self.clips(*self.make_sony_card())), 1)
+                service.terminate()
+                self.assert_ends(service)
+
+
 class Callers(Requests):
     def test_requests_are_served_in_order_of_arrival(self):
         slow = self.make_slow_tool(seconds=2)
@@ -181,7 +228,7 @@ class Callers(Requests):
     def test_client_that_is_killed_ends_its_tool_and_harms_nobody(self):
         slow = self.make_slow_tool(seconds=100)
         (clip,) = self.make_sony_card()
-        service = self.start_vended(tool=self.slow_tool)
+        service = self.start_vended(tool=self.slow_tool, jobs=1)
         asking = self.start_client(slow, slow)
         self.assertTrue(wait_until(self.tool_pids))
         waiting = self.start_client(clip)
@@ -190,6 +237,23 @@ class Callers(Requests):
         self.assertEqual(waiting.communicate(timeout=20)[0], "1\n")
         self.assertTrue(wait_until(lambda: not is_running(self.tool_pids()[0])))
         self.assertEqual(len(self.tool_pids()), 1)  # the second file was not looked at
+        self.assertEqual(self.process_identifier(), service.pid)
+
+    def test_client_that_is_killed_ends_all_tools_of_its_request(self):
+        slow = self.make_slow_tool(seconds=100)
+        (clip,) = self.make_sony_card()
+        service = self.start_vended(tool=self.slow_tool, jobs=5)
+        self.assertEqual(len(self.clips(clip)), 1)
+        before = self.resources_of(service)
+        asking = self.start_client(*[slow] * 40)
+        self.assertTrue(wait_until(lambda: len(self.tool_pids()) == 5))
+        waiting = self.start_client(clip)
+        asking.kill()
+        asking.wait()
+        self.assertEqual(waiting.communicate(timeout=20)[0], "1\n")
+        self.assertTrue(wait_until(lambda: not any(map(is_running, self.tool_pids()))))
+        self.assertEqual(len(self.tool_pids()), 5)  # no further file was looked at
+        self.assertTrue(wait_until(lambda: self.resources_of(service) <= before))
         self.assertEqual(self.process_identifier(), service.pid)
 
     def test_client_that_is_killed_while_it_waits_is_not_served(self):

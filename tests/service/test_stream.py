@@ -188,6 +188,72 @@ class Beside(Stream):
         self.assertEqual(told, [(number, number, 7) for number in range(30)])
 
 
+class Options(Stream):
+    def refused(self, **options):
+        asking = self.ask(self.path("card"), options=options)
+        self.assertEqual(asking.read_lines(), [])
+        with self.assertRaises(GLib.Error) as raised:
+            asking.answer()
+        self.assertEqual(error_name(raised.exception), "org.freedesktop.DBus.Error.InvalidArgs")
+        return raised.exception.message
+
+    def test_any_number_of_jobs_gives_the_same_lines(self):
+        self.make_sony_card(40)
+        for number in range(40):
+            self.write(f"other/{number}.xyz", "no movie")
+        self.write("other/a.mov")
+        self.start_vended()
+        places = (self.path("other"), self.path("card"))
+        expected = self.lines(*places)
+        self.assertEqual(expected[1], (81, 41))
+        for jobs in (1, 2, 64):
+            with self.subTest(jobs):
+                self.assertEqual(
+                    self.lines(*places, options={"jobs": GLib.Variant("u", jobs)}), expected)
+
+    def test_as_many_tools_at_a_time_as_jobs(self):
+        slow = self.make_slow_tool(seconds=100)
+        self.start_vended(tool=self.slow_tool, jobs=1)
+        self.ask(*[slow] * 20, options={"jobs": GLib.Variant("u", 7)}, client=self.new_client())
+        self.assertTrue(wait_until(lambda: len(self.tool_pids()) == 7))
+        time.sleep(0.3)
+        self.assertEqual(len(self.tool_pids()), 7)
+
+    def test_numbers_of_jobs_that_are_none_are_refused(self):
+        self.make_sony_card()
+        self.start_vended()
+        for jobs in (0, 65, 0xFFFFFFFF):
+            self.assertIn("jobs is no number from 1 to 64",
+                          self.refused(jobs=GLib.Variant("u", jobs)))
+        self.assertIn("jobs is not of type u", self.refused(jobs=GLib.Variant("i", 4)))
+
+    def test_quick_spares_the_tool_files_without_video(self):
+        tool = self.write("tool", executable=True, content=(
+            "#!/bin/sh\n"
+            f'echo "$2" >> {self.folder}/shown\n'
+            "cat >&2 <<'END'\n"
+            "Input #0, avi, from 'x':\n"
+            "  Duration: 00:00:01.00, start: 0.000000, bitrate: 488 kb/s\n"
+            "  Stream #0:0: Video: mpeg4, yuv420p, 64x48, 400 kb/s, 25 fps, 25 tbr, 25 tbn\n"
+            "END\n"))
+        for name in ("a.JPG", "b.xyz", "c.txt", "PRINT"):
+            self.write(f"files/{name}", "x")
+        self.start_vended(tool=tool)
+        paths = {}
+        for quick in (False, True):
+            lines, _ = self.lines(self.path("files"), options={"quick": GLib.Variant("b", quick)})
+            paths[quick] = [os.path.basename(line["filePath"]) for line in lines]
+        self.assertEqual(paths[False], ["a.JPG", "b.xyz", "c.txt", "PRINT"])
+        self.assertEqual(paths[True], ["b.xyz"])
+        with open(self.path("shown"), encoding="utf-8") as file:
+            self.assertEqual(len(file.readlines()), 5)
+
+    def test_quick_is_a_boolean(self):
+        self.make_sony_card()
+        self.start_vended()
+        self.assertIn("quick is not of type b", self.refused(quick=GLib.Variant("u", 1)))
+
+
 class Readers(Stream):
     def test_reader_that_leaves_ends_its_own_request(self):
         clips = self.make_sony_card(50)
@@ -215,7 +281,7 @@ class Readers(Stream):
 
     def test_client_that_is_killed_ends_its_tool(self):
         slow = self.make_slow_tool(seconds=100)
-        service = self.start_vended(tool=self.slow_tool)
+        service = self.start_vended(tool=self.slow_tool, jobs=1)
         asking = self.start([sys.executable, "-c", ASK, self.address, self.name, slow, slow],
                             stdout=subprocess.PIPE)
         self.assertEqual(asking.stdout.readline(), b"asked\n")
@@ -225,6 +291,37 @@ class Readers(Stream):
         self.assertEqual(self.process_identifier(), service.pid)
         self.assertTrue(wait_until(lambda: len(os.listdir(f"/proc/{service.pid}/task")) <= 5))
         self.assertEqual(len(self.tool_pids()), 1)
+
+    def test_client_that_is_killed_ends_all_tools_of_its_stream(self):
+        slow = self.make_slow_tool(seconds=100)
+        (clip,) = self.make_sony_card()
+        service = self.start_vended(tool=self.slow_tool, jobs=5)
+        self.assertEqual(len(self.lines(clip)[0]), 1)
+        self.assertTrue(wait_until(lambda: self.resources_of(service)[0] <= 5))
+        before = self.resources_of(service)
+        asking = self.start([sys.executable, "-c", ASK, self.address, self.name, *[slow] * 40],
+                            stdout=subprocess.PIPE)
+        self.assertEqual(asking.stdout.readline(), b"asked\n")
+        self.assertTrue(wait_until(lambda: len(self.tool_pids()) == 5))
+        asking.kill()
+        self.assertTrue(wait_until(lambda: not any(map(is_running, self.tool_pids()))))
+        self.assertTrue(wait_until(lambda: self.resources_of(service) <= before))
+        self.assertEqual(len(self.tool_pids()), 5)
+        self.assertEqual(self.process_identifier(), service.pid)
+
+    def test_reader_that_leaves_ends_the_tools_under_way(self):
+        slow = self.make_slow_tool(seconds=100)
+        clips = self.make_sony_card(50)
+        service = self.start_vended(tool=self.slow_tool, jobs=16)
+        # More lines than a pipe holds, fewer than workers run ahead.
+        asking = self.ask(*clips * 18, slow, client=self.new_client())
+        self.assertTrue(wait_until(self.tool_pids))
+        os.close(asking.reading)
+        with self.assertRaises(GLib.Error) as raised:
+            asking.answer()
+        self.assertEqual(error_name(raised.exception), "com.quillfen.Error.ReaderGone")
+        self.assertTrue(wait_until(lambda: not any(map(is_running, self.tool_pids()))))
+        self.assertEqual(self.process_identifier(), service.pid)
 
     def test_call_without_a_descriptor_is_refused(self):
         service = self.start_vended()

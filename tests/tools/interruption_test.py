@@ -64,7 +64,7 @@ class Interruption(qrx_case.QrxCase):
     def test_clips_before_the_hanging_file_have_been_told(self):
         tool = self.script(f'case "$2" in *2.bin) echo $$ > "{self.pid_file}"; '
                            'while :; do sleep 100; done;; esac')
-        lines = self.interrupted("--format", "ndjson", tool=tool)[1].splitlines()
+        lines = self.interrupted("--format", "ndjson", "--jobs", "1", tool=tool)[1].splitlines()
         self.assertEqual([json.loads(line)["filePath"] for line in lines],
                          [f"{self.folder}/x/1.mov"])
 

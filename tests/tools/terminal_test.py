@@ -63,8 +63,8 @@ class Progress(OnATerminal):
     def test_tells_files_done_clips_found_and_the_current_file(self):
         self.write("a.mov")
         self.write("b.bin")
-        text, output = self.run_on_terminal("scan", "--ffmpeg", self.slow_tool(), "--format",
-                                            "json", ".", streams=["stderr"])
+        text, output = self.run_on_terminal("scan", "--ffmpeg", self.slow_tool(), "--jobs",
+                                            "1", "--format", "json", ".", streams=["stderr"])
         self.assertIn(f"0 files, 0 clips  {self.folder}/a.mov", text)
         self.assertIn(f"1 file, 1 clip  {self.folder}/b.bin", text)
         self.assertIn(b"a.mov", output)

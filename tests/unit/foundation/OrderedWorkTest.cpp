@@ -375,6 +375,19 @@ TEST_F(OrderedWorkThreads, ToolsAreEndedWhenWhoeverTakesThrows) {
     EXPECT_EQ(ended, running);
 }
 
+TEST_F(OrderedWorkThreads, CancelledWhileTheNextItemIsLongInComing) {
+    std::atomic<bool> gaveUp = false;
+    steps.next = [&]() -> std::optional<int> {
+        if (fetched < 3) return fetched++;
+        const auto ended = platform::RunsUntil::current();
+        gaveUp = comesAbout([&] { return ended.stop_requested(); });
+        return std::nullopt;
+    };
+    steps.take = [this](const int& number, int&&) { isCancelled = number == 2; };
+    EXPECT_FALSE(run({.jobs = 4}));
+    EXPECT_TRUE(gaveUp);
+}
+
 TEST_F(OrderedWorkThreads, RunInsideTheWorkOfAnother) {
     count = 6;
     steps.work = [](const int& number) {
