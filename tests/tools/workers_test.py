@@ -192,6 +192,23 @@ class Quick(qrx_case.QrxCase):
         self.assertEqual(self.scan("--quick", "cards")[0],
                          [clip for clip in exact if not clip["filePath"].upper().endswith(rejected)])
 
+    def test_real_pictures_and_sounds_are_no_clips_either_way(self):
+        video = ["-f", "lavfi", "-i", "testsrc=d=1:s=64x48:r=5"]
+        made = {"m.mp4": video, "a.gif": video,
+                **{f"p.{end}": [*video, "-frames:v", "1"] for end in ("jpg", "png", "tif", "bmp")},
+                "s.aif": ["-f", "lavfi", "-i", "sine=d=1"]}
+        (self.folder / "x").mkdir()
+        for name, arguments in made.items():
+            subprocess.run(["ffmpeg", "-v", "error", *arguments, self.folder / "x" / name],
+                           check=True, stdin=subprocess.DEVNULL)
+        self.assertEqual(self.paths("x"), [f"{self.folder}/x/m.mp4"])
+        self.assertEqual(self.paths("--quick", "x"), [f"{self.folder}/x/m.mp4"])
+        shutil.copy(self.folder / "x/m.mp4", self.folder / "x/m.jpg")
+        shutil.copy(self.folder / "x/m.mp4", self.folder / "x/PRINT")
+        self.assertEqual([os.path.basename(path) for path in self.paths("x")],
+                         ["m.jpg", "m.mp4", "PRINT"])
+        self.assertEqual(self.paths("--quick", "x"), [f"{self.folder}/x/m.mp4"])
+
     def test_layout_that_claims_a_file_by_name_still_does(self):
         # The name of the folder is all that tells.
         self.write("x/a.JPG.mov")

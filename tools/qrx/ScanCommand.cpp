@@ -36,8 +36,8 @@ number of them.
 With --quick ffmpeg is not run on a file that no card layout claims and whose name
 ends in bmp, jpg, jpeg, gif, png, tif, tiff, psd, pdf, txt, rtf, xml, smi, cpi, mpl,
 int, bnp, bdm, thm, r3d, aif, aiff or dmg, in any case and with or without a dot
-("PRINT" ends in "int"). Left out are then the pictures and animations that ffmpeg
-takes for videos, and movies under such names.
+("PRINT" ends in "int"). Left out are then movies under such a name, renamed to
+clip.jpg, for example; real pictures, texts and sounds are no clips either way.
 
 Names that begin with "-" go behind "--".
 
