@@ -7,6 +7,7 @@
 #include <fmt/core.h>
 #include <unistd.h>
 
+#include "foundation/OrderedWork.h"
 #include "platform/ports/Services.h"
 #include "qrx/Commands.h"
 #include "qrx/Names.h"
@@ -50,7 +51,6 @@ struct ReportOptions {
     std::vector<std::string> paths;
     std::string format = "html";
     std::string output;
-    unsigned jobs = 0;
     bool replaces = false;
     bool leavesPostersOut = false;
     bool isExact = false;
@@ -107,7 +107,7 @@ private:
         CollectorOptions options{
             .paths = options_.paths,
             .exactness = options_.isExact ? Exactness::exact : Exactness::quick,
-            .jobs = options_.jobs,
+            .jobs = WorkLimits::kAsChosen,
             .makesPosters = options_.format == "html" && !options_.leavesPostersOut,
             .isCancelled = &session_.isCancelled,
         };
@@ -155,7 +155,6 @@ void refuseContradictions(const ReportOptions& options) {
 }  // namespace
 
 void addReportCommand(CLI::App& program, Job& job) {
-    constexpr unsigned kMostJobs = 256;
     auto options = std::make_shared<ReportOptions>();
     auto tools = std::make_shared<ToolOptions>();
     CLI::App& command = *program.add_subcommand("report", "Write a camera report");
@@ -168,11 +167,8 @@ void addReportCommand(CLI::App& program, Job& job) {
         ->check(CLI::IsMember({"html", "csv", "json"}).description(""));
     command.add_flag("--force", options->replaces, "Replace a file that exists");
     command.add_flag("--no-posters", options->leavesPostersOut, "Leave the pictures out");
-    command.add_flag("--exact", options->isExact,
-                     "Show ffmpeg also files whose names say that they hold no video");
-    command.add_option("-j,--jobs", options->jobs, "Clips at a time; one a processor without it")
-        ->type_name("N")
-        ->check(CLI::Range(1U, kMostJobs).description(""));
+    addExactOption(command, options->isExact);
+    addJobsOption(command, *tools);
     addToolOptions(command, *tools);
     command.footer(kFooter);
     command.callback([options, tools, &job] {
