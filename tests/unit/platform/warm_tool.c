@@ -232,7 +232,8 @@ int main(int argc, char** argv, char** envp) {
     if (does(what, "crash")) {
         printf("before");
         fflush(stdout);
-        *(volatile int*)8 = 1;
+        int* volatile nowhere = NULL;  // volatile, so that no compiler sees it coming
+        *nowhere = 1;
     }
     if (does(what, "abort")) abort();
     if (does(what, "late")) {
