@@ -376,14 +376,20 @@ TEST_F(OrderedWorkThreads, ToolsAreEndedWhenWhoeverTakesThrows) {
 }
 
 TEST_F(OrderedWorkThreads, CancelledWhileTheNextItemIsLongInComing) {
+    std::atomic<bool> isAwaited = false;
     std::atomic<bool> gaveUp = false;
     steps.next = [&]() -> std::optional<int> {
         if (fetched < 3) return fetched++;
+        isAwaited = true;
         const auto ended = platform::RunsUntil::current();
         gaveUp = comesAbout([&] { return ended.stop_requested(); });
         return std::nullopt;
     };
-    steps.take = [this](const int& number, int&&) { isCancelled = number == 2; };
+    steps.take = [&](const int& number, int&&) {
+        if (number < 2) return;
+        EXPECT_TRUE(comesAbout([&] { return isAwaited.load(); }));
+        isCancelled = true;
+    };
     EXPECT_FALSE(run({.jobs = 4}));
     EXPECT_TRUE(gaveUp);
 }

@@ -304,8 +304,9 @@ TEST_F(WarmFallbackTest, ParentsThatAreEndedAllTheTimeCostNoRun) {
     isDone = true;
     ender.join();
     const std::string written = std::filesystem::exists(log) ? qrx::test::fileContents(log) : "";
-    EXPECT_EQ(written.size() + static_cast<std::size_t>(ended), kRuns)
-        << "each was run once, and once only";
+    // A child can be ended after it wrote: between the look at its socket and the signal.
+    EXPECT_LE(written.size(), kRuns) << "none was run twice";
+    EXPECT_GE(written.size() + static_cast<std::size_t>(ended), kRuns) << "each was run";
 }
 
 TEST_F(WarmFallbackTest, CopyOfThisProcessRunsPlainly) {
