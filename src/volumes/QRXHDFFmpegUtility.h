@@ -8,8 +8,8 @@ namespace qrx {
 /// video, wherever it lies.
 ///
 /// Every question runs the tool once and waits for it; without the tool no file is claimed. The
-/// tool is not run on a FIFO, socket or device, nor in a quick examination on a file whose extension
-/// is one of files without video.
+/// tool is not run on a FIFO, socket or device, nor in a quick examination on a file whose
+/// extension is one of files without video.
 class QRXHDFFmpegUtility : public QRXHDMediaVolumeUtilityObject {
 public:
     [[nodiscard]] static std::unique_ptr<QRXHDFFmpegUtility> volumeUtility();
