@@ -1,6 +1,7 @@
 #include "platform/linux/GlibMainThread.h"
 
 #include <cstdlib>
+#include <exception>
 #include <future>
 #include <utility>
 
@@ -32,10 +33,10 @@ struct GlibMainThread::Loop {
     /// the loop owns its context, that would do the work on the caller.
     ///
     /// @return  the number of the call, for g_source_remove.
-    guint callSoon(GSourceFunc function, gpointer data) const {
+    guint callSoon(GSourceFunc function, gpointer data, GDestroyNotify atItsEnd = nullptr) const {
         GSource* const source = g_idle_source_new();
         g_source_set_priority(source, G_PRIORITY_DEFAULT);
-        g_source_set_callback(source, function, data, nullptr);
+        g_source_set_callback(source, function, data, atItsEnd);
         const guint number = g_source_attach(source, nullptr);
         g_source_unref(source);
         return number;
@@ -60,17 +61,15 @@ void GlibMainThread::runAndWait(const std::function<void()>& work) {
         work();
         return;
     }
-    const auto job = std::make_shared<Job>(work);
-    {
-        std::unique_lock lock(mutex_);
-        ownership_.wait(lock,
-                        [this] { return ownerTakesWork_ || owner_.load() == std::thread::id(); });
-        if (ownerTakesWork_) {
-            handOver(job);
-        } else {
-            performAsOwner(*job, lock);
-        }
+    std::unique_lock lock(mutex_);
+    ownership_.wait(lock, [this] { return ownerTakesWork_ || owner_.load() == std::thread::id(); });
+    if (!ownerTakesWork_) {
+        performAsOwner(work, lock);
+        return;
     }
+    const auto job = std::make_shared<Job>(work);
+    handOver(job);
+    lock.unlock();
     job->waitUntilDone();
 }
 
@@ -89,12 +88,19 @@ void GlibMainThread::handOver(const std::shared_ptr<Job>& job) {
     callOfLoop_ = loop_->callSoon(perform, this);
 }
 
-void GlibMainThread::performAsOwner(Job& job, std::unique_lock<std::mutex>& lock) {
+void GlibMainThread::performAsOwner(const std::function<void()>& work,
+                                    std::unique_lock<std::mutex>& lock) {
     owner_ = std::this_thread::get_id();
     lock.unlock();
-    job.perform();
+    std::exception_ptr fault;
+    try {
+        work();
+    } catch (...) {
+        fault = std::current_exception();
+    }
     lock.lock();
     leaveOwnership();
+    if (fault) std::rethrow_exception(fault);
 }
 
 void GlibMainThread::performSome(std::unique_lock<std::mutex>& lock) {
@@ -167,12 +173,14 @@ void GlibMainThread::terminate() {
     } else {
         std::_Exit(EXIT_SUCCESS);
     }
-    // As a source, since a loop that has not begun yet forgets that it was asked to quit.
+    // As a source, since a loop that has not begun yet forgets that it was asked to quit. It may
+    // outlive this object when the loop has ended by itself, and so holds the loop.
     const auto quit = [](gpointer loop) -> gboolean {
         g_main_loop_quit(static_cast<GMainLoop*>(loop));
         return G_SOURCE_REMOVE;
     };
-    loop_->callSoon(quit, loop_->loop);
+    const auto letGo = [](gpointer loop) { g_main_loop_unref(static_cast<GMainLoop*>(loop)); };
+    loop_->callSoon(quit, g_main_loop_ref(loop_->loop), letGo);
 }
 
 }  // namespace qrx::platform

@@ -46,7 +46,7 @@ private:
 
     // All with mutex_ held by `lock`, which is given up while work is done.
     void handOver(const std::shared_ptr<Job>& job);
-    void performAsOwner(Job& job, std::unique_lock<std::mutex>& lock);
+    void performAsOwner(const std::function<void()>& work, std::unique_lock<std::mutex>& lock);
     void performSome(std::unique_lock<std::mutex>& lock);
     void performTheRest(std::unique_lock<std::mutex>& lock);
     void leaveOwnership();
