@@ -17,6 +17,9 @@ _binary = None
 
 NO_FFMPEG = "/nowhere/ffmpeg"
 
+# Sanitizers keep freed memory and shadows of it, so bounds on memory hold for plain builds only.
+SANITIZED = os.environ.get("QRX_SANITIZE", "") != ""
+
 REPORT = """Input #0, avi, from 'x':
   Duration: 00:00:01.00, start: 0.000000, bitrate: 488 kb/s
   Stream #0:0: Video: mpeg4, yuv420p, 64x48, 400 kb/s, 25 fps, 25 tbr, 25 tbn
