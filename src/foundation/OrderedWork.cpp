@@ -3,10 +3,8 @@
 #include <algorithm>
 #include <charconv>
 #include <condition_variable>
-#include <csignal>
 #include <deque>
 #include <mutex>
-#include <pthread.h>
 #include <stop_token>
 #include <system_error>
 #include <thread>
@@ -15,6 +13,7 @@
 
 #include "platform/ports/ProcessRunner.h"
 #include "platform/ports/Services.h"
+#include "platform/ports/SignalsBlocked.h"
 
 namespace qrx {
 
@@ -35,22 +34,6 @@ std::optional<unsigned> jobsNamed(std::string_view text) {
 namespace detail {
 
 namespace {
-
-/// Threads that are started while it lives take no signals away from those that handle them.
-class SignalsBlocked {
-public:
-    SignalsBlocked() {
-        sigset_t all;
-        ::sigfillset(&all);
-        ::pthread_sigmask(SIG_SETMASK, &all, &before_);
-    }
-    ~SignalsBlocked() { ::pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
-    SignalsBlocked(const SignalsBlocked&) = delete;
-    SignalsBlocked& operator=(const SignalsBlocked&) = delete;
-
-private:
-    sigset_t before_{};
-};
 
 /// A turn that could not be fetched: its fault comes when it would have been announced.
 class FaultyTurn final : public WorkTurn {
@@ -98,7 +81,7 @@ public:
 
     /// NO when no thread can be had.
     [[nodiscard]] bool start() {
-        const SignalsBlocked blocked;
+        const platform::SignalsBlocked blocked;
         const std::lock_guard lock(mutex_);
         return startWorker();
     }

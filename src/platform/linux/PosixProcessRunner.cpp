@@ -13,8 +13,8 @@
 #include <poll.h>
 
 #include "platform/linux/ChildPipe.h"
-#include "platform/linux/SignalsBlocked.h"
 #include "platform/linux/SpawnedChild.h"
+#include "platform/ports/SignalsBlocked.h"
 
 namespace qrx::platform {
 

@@ -7,7 +7,7 @@
 
 #include <unistd.h>
 
-#include "platform/linux/SignalsBlocked.h"
+#include "platform/ports/SignalsBlocked.h"
 
 namespace qrx::platform {
 
