@@ -1,25 +1,8 @@
 #include "qrx/ClipInfo.h"
 
 #include <array>
-#include <utility>
 
 namespace qrx::tool {
-
-namespace {
-
-std::vector<FoundValue> foundValues(const QRXMetadataWrapper& wrapper) {
-    std::vector<FoundValue> found;
-    for (const auto& key : wrapper.metadataKeys()) {
-        auto value = key->keyValue();
-        if (!value || *value == QRXMediaMetadataNotFound) continue;
-        found.push_back({.identifier = key->keyIdentifier().value_or(""),
-                         .description = key->keyDescription().value_or(""),
-                         .value = std::move(*value)});
-    }
-    return found;
-}
-
-}  // namespace
 
 std::string rateName(QRXVideoFrameRate rate) {
     static constexpr std::array kNames{"24", "23.976", "PAL", "25", "50i",      "29.97",
@@ -43,7 +26,7 @@ ClipInfo infoOf(const FilePath& file, const QRXHDMediaVolumeUtilityObject& utili
         .isSpanned = utility.fileIsInASpannedSeries(file),
         .spanKey = utility.spanPartnerIdentifierForPath(file),
         .volumeKey = utility.volumePartnerIdentifierForFilePath(file),
-        .metadata = foundValues(utility.metadataWrapperForVideoFilePath(file)),
+        .metadata = metadataEntries(utility.metadataWrapperForVideoFilePath(file), Entries::found),
     };
 }
 

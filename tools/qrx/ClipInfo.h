@@ -6,17 +6,11 @@
 #include <vector>
 
 #include "foundation/FilePath.h"
+#include "qrx/ClipMetadata.h"
 #include "timecode/VideoFrameRate.h"
 #include "volumes/QRXHDMediaVolumeUtilityObject.h"
 
 namespace qrx::tool {
-
-/// A metadata value that the layout found.
-struct FoundValue {
-    std::string identifier;
-    std::string description;
-    std::string value;
-};
 
 /// What the utility of a clip answers about it.
 struct ClipInfo {
@@ -33,7 +27,7 @@ struct ClipInfo {
     bool isSpanned = false;
     std::optional<std::string> spanKey;
     std::string volumeKey;
-    std::vector<FoundValue> metadata;
+    std::vector<MetadataEntry> metadata;  ///< those that the layout found
 };
 
 /// "59.94i"; "undefined" for the undefined rate and for numbers that are none.

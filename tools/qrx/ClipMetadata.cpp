@@ -4,19 +4,9 @@
 
 #include <nlohmann/json.hpp>
 
-#include "foundation/Text.h"
-#include "qrx/ShownText.h"
+#include "qrx/JsonText.h"
 
 namespace qrx::tool {
-
-namespace {
-
-nlohmann::ordered_json textJson(const std::optional<std::string>& text) {
-    if (!text) return nullptr;
-    return isUtf8(*text) ? *text : shown(*text);
-}
-
-}  // namespace
 
 std::vector<MetadataEntry> metadataEntries(const QRXMetadataWrapper& wrapper, Entries which) {
     std::vector<MetadataEntry> entries;

@@ -11,7 +11,6 @@
 
 #include "app/ClipRecord.h"
 #include "foundation/QRXFileSystemUtility.h"
-#include "foundation/Text.h"
 #include "qrx/Commands.h"
 #include "qrx/JsonText.h"
 #include "qrx/ShownText.h"
@@ -103,9 +102,8 @@ nlohmann::ordered_json sizeJson(std::optional<std::uint64_t> size) {
     return nullptr;
 }
 
-nlohmann::ordered_json textJson(const std::string& text) {
-    if (text.empty()) return nullptr;
-    return isUtf8(text) ? text : shown(text);
+nlohmann::ordered_json knownJson(const std::string& text) {
+    return textJson(text.empty() ? std::nullopt : std::optional(text));
 }
 
 std::string drivesJson(const std::vector<Drive>& drives) {
@@ -114,9 +112,9 @@ std::string drivesJson(const std::vector<Drive>& drives) {
         nlohmann::ordered_json record;
         addPath(record, drive.mountPath);
         record["removable"] = drive.isRemovable;
-        record["device"] = textJson(drive.device);
-        record["label"] = textJson(drive.label);
-        record["uuid"] = textJson(drive.uuid);
+        record["device"] = knownJson(drive.device);
+        record["label"] = knownJson(drive.label);
+        record["uuid"] = knownJson(drive.uuid);
         record["size"] = sizeJson(drive.size);
         record["free"] = sizeJson(drive.free);
         record["layouts"] = drive.layouts;

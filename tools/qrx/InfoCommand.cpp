@@ -9,8 +9,8 @@
 #include <nlohmann/json.hpp>
 
 #include "app/ClipRecord.h"
-#include "foundation/Text.h"
 #include "qrx/ClipInfo.h"
+#include "qrx/ClipMetadata.h"
 #include "qrx/Commands.h"
 #include "qrx/GivenFiles.h"
 #include "qrx/JsonText.h"
@@ -62,17 +62,18 @@ std::string audioLines(const std::optional<FilePaths>& files) {
     return text;
 }
 
-std::string metadataLines(const std::vector<FoundValue>& metadata) {
+std::string metadataLines(const std::vector<MetadataEntry>& metadata) {
     if (metadata.empty()) return line("metadata", std::nullopt);
     std::size_t columns = 0;
-    for (const FoundValue& each : metadata) {
+    for (const MetadataEntry& each : metadata) {
         columns = std::max(columns, ShownText(each.description).columns());
     }
     std::string text = "  metadata\n";
-    for (const FoundValue& each : metadata) {
+    for (const MetadataEntry& each : metadata) {
         const ShownText description(each.description);
         text += "    " + description.text() +
-                std::string(columns - description.columns() + 2, ' ') + shown(each.value) + "\n";
+                std::string(columns - description.columns() + 2, ' ') +
+                shown(each.value.value_or("")) + "\n";
     }
     return text;
 }
@@ -94,27 +95,10 @@ std::string infoText(const ClipInfo& info) {
 
 using Json = nlohmann::ordered_json;
 
-Json textJson(const std::optional<std::string>& text) {
-    if (!text) return nullptr;
-    return isUtf8(*text) ? *text : shown(*text);
-}
-
 Json pathJson(const FilePath& path) {
     Json record;
     addPath(record, path);
     return record;
-}
-
-Json metadataJson(const std::vector<FoundValue>& metadata) {
-    auto all = Json::array();
-    for (const FoundValue& each : metadata) {
-        Json record;
-        record["identifier"] = textJson(each.identifier);
-        record["description"] = textJson(each.description);
-        record["value"] = textJson(each.value);
-        all.push_back(std::move(record));
-    }
-    return all;
 }
 
 Json infoJson(const ClipInfo& info) {

@@ -4,6 +4,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "foundation/Text.h"
 #include "qrx/ShownText.h"
 
 namespace qrx::tool {
@@ -30,6 +31,11 @@ std::string jsonString(std::string_view text) {
     quoted.reserve(text.size() + 2);
     quoted.append(1, '"').append(text).push_back('"');
     return quoted;
+}
+
+nlohmann::ordered_json textJson(const std::optional<std::string>& text) {
+    if (!text) return nullptr;
+    return isUtf8(*text) ? *text : shown(*text);
 }
 
 }  // namespace qrx::tool

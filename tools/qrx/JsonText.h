@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -14,5 +15,8 @@ namespace qrx::tool {
 
 /// jsonText of a text, quotes included, without a detour for the usual, plain one.
 [[nodiscard]] std::string jsonString(std::string_view text);
+
+/// The text, as it is shown where it is not UTF-8; null where there is none.
+[[nodiscard]] nlohmann::ordered_json textJson(const std::optional<std::string>& text);
 
 }  // namespace qrx::tool

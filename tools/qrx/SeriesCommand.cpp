@@ -11,7 +11,6 @@
 #include <nlohmann/json.hpp>
 
 #include "app/ClipRecord.h"
-#include "foundation/Text.h"
 #include "qrx/Commands.h"
 #include "qrx/JsonText.h"
 #include "qrx/Locations.h"
@@ -82,10 +81,6 @@ std::string seriesText(const Series& series) {
 }
 
 using Json = nlohmann::ordered_json;
-
-std::string textJson(const std::string& text) {
-    return isUtf8(text) ? text : shown(text);
-}
 
 Json missingJson(const Series& series) {
     auto missing = Json::array();

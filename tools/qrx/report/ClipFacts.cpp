@@ -276,8 +276,8 @@ private:
     // ---- sources
 
     [[nodiscard]] std::optional<std::string> found(std::string_view identifier) const {
-        for (const FoundValue& each : info_.metadata) {
-            if (each.identifier == identifier && !each.value.empty()) return each.value;
+        for (const MetadataEntry& each : info_.metadata) {
+            if (each.identifier == identifier && each.value != "") return each.value;
         }
         return std::nullopt;
     }

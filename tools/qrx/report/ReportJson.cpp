@@ -6,9 +6,7 @@
 #include <nlohmann/json.hpp>
 
 #include "app/ClipRecord.h"
-#include "foundation/Text.h"
 #include "qrx/JsonText.h"
-#include "qrx/ShownText.h"
 #include "qrx/report/ReportWriters.h"
 
 namespace qrx::tool {
@@ -16,11 +14,6 @@ namespace qrx::tool {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-Json textJson(const std::optional<std::string>& text) {
-    if (!text) return nullptr;
-    return isUtf8(*text) ? *text : shown(*text);
-}
 
 template <class Value>
 Json valueJson(const std::optional<Value>& value) {
