@@ -35,7 +35,7 @@ struct ToolWorld {
     /// The list of installed libraries: it is written anew whenever one of them is.
     std::optional<FileIdentity> libraries;
     std::vector<std::string> environment;
-    std::array<std::uint64_t, 2 * RLIMIT_NLIMITS> limits{};
+    std::array<std::uint64_t, 2UL * RLIMIT_NLIMITS> limits{};
     std::array<std::uint32_t, 4> users{};  ///< real and effective user and group
 
     bool operator==(const ToolWorld&) const = default;
