@@ -123,6 +123,34 @@ TEST_F(WarmProcessRunnerTest, WhatIsLeftForTheEndIsDoneAtTheEnd) {
     EXPECT_EQ(runBothWays(tool_.asked({"late"})).standardOutput, "main, at the end\n");
 }
 
+TEST_F(WarmProcessRunnerTest, WhatTheProgramAskedForComesInTheSameOrderHoweverItEnds) {
+    const std::string order = "registered before main, destructor of the program";
+    EXPECT_EQ(runBothWays(tool_.asked({"ends", "return"})).standardOutput,
+              "late 3, first 3, " + order);
+    EXPECT_EQ(runBothWays(tool_.asked({"ends", "exit"})).standardOutput,
+              "late 4, first 4, " + order);
+    EXPECT_EQ(runBothWays(tool_.asked({"ends", "thread"})).standardOutput,
+              "late 5, first 5, " + order);
+    EXPECT_EQ(runBothWays(tool_.asked({"ends", "last thread"})).standardOutput,
+              "late 0, first 0, " + order);
+}
+
+TEST_F(WarmProcessRunnerTest, DestructorsOfLibrariesAreNotRun) {
+    const ProcessRequest request = tool_.asked({"library"});
+    EXPECT_EQ(plain_.run(request).standardOutput, "destructor of a librarymain");
+    EXPECT_EQ(warm_.run(request).standardOutput, "main");
+    EXPECT_EQ(warm_.pool().counts().warmRuns, 1U);
+}
+
+TEST_F(WarmProcessRunnerTest, DestructorsOfLibrariesAreRunWhereTheyCannotBeToldApart) {
+    for (const char* const built : {QRX_WARM_TOOL_AT_A_FIXED_ADDRESS, QRX_WARM_TOOL_WITH_STREAMS}) {
+        const ToolCopy tool(built);
+        EXPECT_EQ(runBothWays(tool.asked({"library"})).standardOutput,
+                  "destructor of a librarymain");
+        runBothWays(tool.asked({"ends", "return"}));
+    }
+}
+
 TEST_F(WarmProcessRunnerTest, LongReportsOnBothStreams) {
     const ProcessResult result = runBothWays(tool_.asked({"fill"}));
     EXPECT_EQ(result.standardOutput.size(), ProcessRunner::kKeptBytesPerPipe);

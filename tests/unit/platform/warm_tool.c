@@ -18,7 +18,12 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#ifdef HAS_LIBRARY
+void tellEndOfLibrary(void); /* of warm_tool_library.c */
+#endif
+
 static int constructed;
+static int tellsItsEnd;
 
 #define NOTHING 0
 #define WRITES 1
@@ -42,8 +47,17 @@ static void* sleepInThread(void* nothing) {
 }
 #endif
 
+static void registeredBeforeMain(void) {
+    if (tellsItsEnd) printf("registered before main, ");
+}
+
+__attribute__((destructor)) static void destructorOfTheProgram(void) {
+    if (tellsItsEnd) printf("destructor of the program");
+}
+
 __attribute__((constructor)) static void beforeMain(void) {
     ++constructed;
+    atexit(registeredBeforeMain);
 #if EARLY == WRITES
     if (write(2, "early\n", 6) < 0) _exit(1);
 #elif EARLY == BUFFERS
@@ -205,6 +219,21 @@ static void atTheEnd(void) {
     printf("at the end\n");
 }
 
+static void withStatus(int status, void* argument) {
+    printf("%s %d, ", (const char*)argument, status);
+}
+
+/* Registered while the process ends already. */
+static void registersMore(void) {
+    static char late[] = "late";
+    on_exit(withStatus, late);
+}
+
+static void* exitInThread(void* nothing) {
+    exit(5);
+    return nothing;
+}
+
 static void fill(int descriptor, size_t count) {
     static char bytes[65536];
     while (count > 0) {
@@ -240,6 +269,23 @@ int main(int argc, char** argv, char** envp) {
         printf("main, ");
         atexit(atTheEnd);
     }
+    if (does(what, "ends")) {
+        static char first[] = "first";
+        tellsItsEnd = 1;
+        on_exit(withStatus, first);
+        atexit(registersMore);
+        if (does(more, "return")) return 3;
+        if (does(more, "exit")) exit(4);
+        pthread_t thread;
+        if (does(more, "thread")) pthread_create(&thread, NULL, exitInThread, NULL);
+        pthread_exit(NULL);
+    }
+#ifdef HAS_LIBRARY
+    if (does(what, "library")) {
+        printf("main");
+        tellEndOfLibrary();
+    }
+#endif
     if (does(what, "hang")) {
         signal(SIGTERM, SIG_IGN);
         signal(SIGHUP, SIG_IGN);

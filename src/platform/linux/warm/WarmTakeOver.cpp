@@ -26,6 +26,7 @@
 #include <unistd.h>
 
 #include "platform/linux/WarmProtocol.h"
+#include "platform/linux/warm/ShortEnd.h"
 
 // Of <linux/prctl.h>, which older systems have without it.
 #ifndef PR_GET_TID_ADDRESS
@@ -149,7 +150,7 @@ bool isSingleThread() {
 
 /// Numbers are what stands in /proc/self/fd; "." and ".." count as none.
 int numberIn(const char* name) {
-    return *name >= '0' && *name <= '9' ? std::atoi(name) : -1;
+    return *name >= '0' && *name <= '9' ? static_cast<int>(std::strtol(name, nullptr, 10)) : -1;
 }
 
 struct RawEntry {  // as getdents64 gives them
@@ -394,6 +395,7 @@ int mainOrService(int argc, char** argv, char** envp) {
         say(Kind::refused, ::getpid(), ENOTSUP);
         ::_exit(kCannotRun);
     }
+    qrx::platform::warm::endWithoutLibraries();
     if (!say(Kind::hello, ::getpid())) ::_exit(kCannotRun);
     const int count = serve(thread, client);
     return realMain(count, arguments, environ);
@@ -402,6 +404,7 @@ int mainOrService(int argc, char** argv, char** envp) {
 }  // namespace
 
 // The C library's names, which nobody but the dynamic linker calls here.
+// NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
 
 __attribute__((visibility("default"))) int __register_atfork(Handler prepare, Handler parent,
@@ -427,3 +430,4 @@ __attribute__((visibility("default"))) int __libc_start_main(MainFunction mainFu
     return next(mainOrService, argc, argv, init, fini, loaderFini, stackEnd);
 }
 }
+// NOLINTEND(bugprone-reserved-identifier)
