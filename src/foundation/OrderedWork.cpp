@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <charconv>
+#include <chrono>
 #include <condition_variable>
+#include <cstdint>
 #include <deque>
 #include <mutex>
 #include <stop_token>
@@ -68,11 +70,23 @@ platform::MainThread* mainThreadIfCurrent() {
 }
 
 /// One run with threads. The caller leads: it announces and takes the turns at the front of the
-/// window, while workers fetch new ones to its back and perform them.
+/// window.
+///
+/// Where an item costs a few microseconds, handing it over to another thread costs more than the
+/// item itself. So the caller begins alone, fetching and performing the turns, too. A worker looks
+/// at its watch meanwhile; when it finds the caller to be at the same turn for longer than a tick,
+/// the workers fetch what comes next to the back of the window and perform it, and the caller only
+/// leads. After a row of turns that came quickly it is alone again.
+///
+/// A caller that does main-thread work never is: workers may be waiting for it to do some.
 class WorkRun {
 public:
     WorkRun(const WorkTurns& turns, unsigned jobs, std::size_t window)
-        : turns_(turns), jobs_(jobs), window_(window), mainThread_(mainThreadIfCurrent()) {
+        : turns_(turns),
+          jobs_(jobs),
+          window_(window),
+          mainThread_(mainThreadIfCurrent()),
+          isAlone_(mainThread_ == nullptr) {
         workers_.reserve(jobs);
     }
     ~WorkRun() { end(); }
@@ -88,11 +102,18 @@ public:
 
     /// NO when cancelled.
     bool lead() {
+        const platform::RunsUntil untilTheEnd(ending_.get_token());
         while (WorkTurn* const turn = front()) {
             if (isCancelled()) return false;
             turn->announce();
-            waitUntil([turn] { return turn->isDone; });
-            if (isCancelled()) return false;
+            if (turn == callersTurn_) {
+                turn->fault = faultIn(*turn);
+                leaveTurn();
+            } else {
+                waitUntil([turn] { return turn->isDone; });
+            }
+            if (isCancelled())
+                return false;  // a tool that was ended half-way makes results a guess
             if (turn->fault) std::rethrow_exception(turn->fault);
             turn->take();
             if (isCancelled()) return false;  // the next item may be long in coming
@@ -102,19 +123,54 @@ public:
     }
 
 private:
+    using Clock = std::chrono::steady_clock;
+    using Lock = std::unique_lock<std::mutex>;
+
+    /// What a worker looks at its watch for; several times what it takes to wake one up.
+    static constexpr std::chrono::milliseconds kTick{1};
+    /// Turns in a row that are looked at together, and how long they take at most where the caller
+    /// alone would be as quick.
+    static constexpr std::uint64_t kRow = 64;
+    static constexpr std::chrono::milliseconds kQuickRow{1};
+
     /// The turn that is taken next; null at the end.
     WorkTurn* front() {
+        if (WorkTurn* const turn = fetchAlone()) return turn;
         waitUntil([this] { return !pending_.empty() || isClosed_; });
-        const std::lock_guard lock(mutex_);
+        const Lock lock(mutex_);
         return pending_.empty() ? nullptr : pending_.front().get();
     }
 
+    /// The caller's own turn; null where workers have fetched or may, or there are no more.
+    WorkTurn* fetchAlone() {
+        Lock lock(mutex_);
+        if (!isAlone_ || isFetching_ || isClosed_ || !pending_.empty()) return nullptr;
+        isCallerBusy_ = true;
+        callersTurn_ = fetchNext(lock);
+        if (callersTurn_ == nullptr) isCallerBusy_ = false;
+        return callersTurn_;
+    }
+
+    void leaveTurn() {
+        const Lock lock(mutex_);
+        isCallerBusy_ = false;
+        callersTurn_ = nullptr;
+        if (!isAlone_) room_.notify_one();
+    }
+
     void passFront() {
-        {
-            const std::lock_guard lock(mutex_);
-            pending_.pop_front();
-        }
+        const Lock lock(mutex_);
+        pending_.pop_front();
+        ++passed_;
+        if (isAlone_) return;
         room_.notify_one();
+        if (passed_ % kRow != 0) return;
+        const auto now = Clock::now();
+        const bool wasQuick = now - rowBegan_ < kQuickRow;
+        rowBegan_ = now;
+        if (!wasQuick || mainThread_ != nullptr) return;
+        isAlone_ = true;
+        room_.notify_all();  // one of them has to look at its watch
     }
 
     /// On the main thread, with the work done that only it may do: workers may be waiting for that.
@@ -122,11 +178,11 @@ private:
     void waitUntil(const Condition& condition) {
         if (mainThread_ != nullptr) {
             mainThread_->waitServing([this, &condition] {
-                const std::lock_guard lock(mutex_);
+                const Lock lock(mutex_);
                 return condition();
             });
         } else {
-            std::unique_lock lock(mutex_);
+            Lock lock(mutex_);
             news_.wait(lock, condition);
         }
     }
@@ -161,37 +217,72 @@ private:
             perform(*turn);
         }
         {
-            const std::lock_guard lock(mutex_);
+            const Lock lock(mutex_);
             --living_;
         }
         tellCaller();
     }
 
-    /// The next turn, at the back of the window; null when there are no more.
+    /// A worker's next turn; null when there are no more.
     WorkTurn* fetch() {
-        const std::lock_guard oneAtATime(fetching_);
-        if (!hasRoom()) return nullptr;
-        auto turn = isCancelled() ? nullptr : nextTurn();
-        WorkTurn* const fetched = turn.get();
-        const bool isLast = fetched == nullptr || fetched->fault != nullptr;
-        bool isFirst = false;
-        {
-            const std::lock_guard lock(mutex_);
-            if (isClosed_) return nullptr;
-            if (fetched != nullptr) pending_.push_back(std::move(turn));
-            isFirst = pending_.size() == 1;
-            isClosed_ = isLast;
-            if (!isLast && ++busy_ == living_ && living_ < jobs_) startWorker();
-        }
-        if (isFirst || isLast) tellCaller();
-        return isLast ? nullptr : fetched;
+        Lock lock(mutex_);
+        waitForTurn(lock);
+        if (isClosed_) return nullptr;
+        ++busy_;
+        WorkTurn* const fetched = fetchNext(lock);
+        if (fetched == nullptr) --busy_;
+        const bool isFirst = pending_.size() == 1;
+        const bool isNews = isFirst || isClosed_;
+        if (fetched != nullptr && busy_ == living_ && living_ < jobs_) startWorker();
+        lock.unlock();
+        if (isNews) tellCaller();
+        return fetched;
     }
 
-    /// Waits for it; NO when nothing more is to be fetched.
-    bool hasRoom() {
-        std::unique_lock lock(mutex_);
-        room_.wait(lock, [this] { return isClosed_ || pending_.size() < window_; });
-        return !isClosed_;
+    /// Until a worker may fetch, or there is nothing more.
+    void waitForTurn(Lock& lock) {
+        const auto mayFetch = [this] {
+            return !isAlone_ && !isFetching_ && pending_.size() < window_ &&
+                   busy_ + (isCallerBusy_ ? 1 : 0) < jobs_;
+        };
+        while (!isClosed_ && !mayFetch()) {
+            if (isAlone_ && !isWatched_) {
+                watch(lock);
+            } else {
+                room_.wait(lock);
+            }
+        }
+    }
+
+    void watch(Lock& lock) {
+        isWatched_ = true;
+        while (isAlone_ && !isClosed_) {
+            const std::uint64_t before = passed_;
+            const bool isTick = room_.wait_for(lock, kTick) == std::cv_status::timeout;
+            if (!isTick || passed_ != before) continue;
+            isAlone_ = false;
+            rowBegan_ = Clock::now();
+            room_.notify_all();
+        }
+        isWatched_ = false;
+    }
+
+    /// The next turn, put to the back of the window. Null at the end, and then, as after a fault,
+    /// nothing more is fetched. `lock` is given up meanwhile.
+    WorkTurn* fetchNext(Lock& lock) {
+        isFetching_ = true;
+        lock.unlock();
+        auto turn = isCancelled() ? nullptr : nextTurn();
+        lock.lock();
+        isFetching_ = false;
+        const bool isFault = turn != nullptr && turn->fault != nullptr;
+        const bool isLast = turn == nullptr || isFault;
+        if (isClosed_) return nullptr;
+        if (isLast) close();
+        if (turn == nullptr) return nullptr;
+        pending_.push_back(std::move(turn));
+        if (!isAlone_) room_.notify_one();
+        return isFault ? nullptr : pending_.back().get();
     }
 
     std::unique_ptr<WorkTurn> nextTurn() {
@@ -202,16 +293,20 @@ private:
         }
     }
 
-    void perform(WorkTurn& turn) {
-        std::exception_ptr fault;
+    static std::exception_ptr faultIn(WorkTurn& turn) {
         try {
             turn.perform();
+            return nullptr;
         } catch (...) {
-            fault = std::current_exception();
+            return std::current_exception();
         }
+    }
+
+    void perform(WorkTurn& turn) {
+        const std::exception_ptr fault = faultIn(turn);
         bool isFirst = false;
         {
-            const std::lock_guard lock(mutex_);
+            const Lock lock(mutex_);
             --busy_;
             turn.fault = fault;
             turn.isDone = true;
@@ -229,7 +324,7 @@ private:
 
     void end() {
         {
-            const std::lock_guard lock(mutex_);
+            const Lock lock(mutex_);
             close();
         }
         ending_.request_stop();
@@ -244,7 +339,7 @@ private:
     const std::size_t window_;
     platform::MainThread* const mainThread_;  // null when the caller is another thread
 
-    std::stop_source ending_;  // ends the tools of the workers
+    std::stop_source ending_;  // ends the tools of the workers, and of the caller
     struct EndToo {
         std::stop_source& ending;
         void operator()() const { ending.request_stop(); }
@@ -252,15 +347,22 @@ private:
     std::stop_callback<EndToo> withTheCallersRequest_{platform::RunsUntil::current(),
                                                       EndToo{ending_}};
 
-    std::mutex fetching_;
+    WorkTurn* callersTurn_ = nullptr;  // the caller's alone
+
     std::mutex mutex_;              // guards what follows, and the outcome of turns in the window
     std::condition_variable news_;  // for the caller
-    std::condition_variable room_;  // for the worker that fetches
+    std::condition_variable room_;  // for workers
     std::deque<std::unique_ptr<WorkTurn>> pending_;
+    bool isAlone_;
+    bool isWatched_ = false;
+    bool isFetching_ = false;
+    bool isCallerBusy_ = false;  // with a turn of its own
     bool isClosed_ = false;
+    std::uint64_t passed_ = 0;
+    Clock::time_point rowBegan_;
     std::vector<std::thread> workers_;
     unsigned living_ = 0;
-    unsigned busy_ = 0;
+    unsigned busy_ = 0;  // workers with a turn
 };
 
 }  // namespace

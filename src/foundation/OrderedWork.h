@@ -34,8 +34,8 @@ struct WorkLimits {
 /// Work on a row of items, several at a time, of which an observer sees one at a time and in order.
 ///
 ///     performInOrder<FilePath, Facts>({
-///         .next = [&] { return walk.next(); },                              // on a worker
-///         .work = [](const FilePath& file) { return factsOf(file); },       // on a worker
+///         .next = [&] { return walk.next(); },                              // on any
+///         .work = [](const FilePath& file) { return factsOf(file); },       // on any
 ///         .before = [&](const FilePath& file) { show(file); },              // on the caller
 ///         .take = [&](const FilePath& file, Facts&& f) { print(file, f); },  // on the caller
 ///         .isCancelled = [&] { return session.isCancelled.load(); },        // on any
@@ -111,7 +111,7 @@ private:
 /// it is cancelled, ends the tools that its workers are running (platform::RunsUntil) and waits for
 /// what else is under way; so does the end of the request that the calling thread works for.
 /// Workers take no signals; they may ask the main thread for work even where the caller is the main
-/// thread. Where no thread can be started the caller does the work.
+/// thread. The caller does the work as long as it goes quickly, and where no thread can be started.
 ///
 /// @return  NO when the run was cancelled before its end.
 template <class Item, class Result>

@@ -11,6 +11,7 @@
 #include <stop_token>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include <gmock/gmock.h>
@@ -55,7 +56,17 @@ std::size_t threadsOfThisProcess() {
 class OrderedWorkTest : public testing::TestWithParam<WorkLimits> {
 protected:
     bool run(const WorkLimits& limits) { return performInOrder(steps, limits); }
-    bool run() { return run(GetParam()); }
+    /// With the caller held up at first, so that workers come in; once all goes quickly the caller
+    /// goes on alone.
+    bool run() {
+        if (steps.before) {
+            steps.before = [before = steps.before, isFirst = true](const int& number) mutable {
+                if (std::exchange(isFirst, false)) std::this_thread::sleep_for(milliseconds{4});
+                before(number);
+            };
+        }
+        return run(GetParam());
+    }
 
     /// What one worker makes the observer see of `taken` numbers and `announced` more.
     [[nodiscard]] static std::vector<std::string> story(int taken, int announced = 0) {
@@ -309,6 +320,42 @@ TEST_F(OrderedWorkThreads, AsManyItemsAtATimeAsThereAreJobs) {
     EXPECT_EQ(seen, story(count));
 }
 
+TEST_F(OrderedWorkThreads, WorkersGoOnWhileTheCallerIsHeldUp) {
+    count = 5000;
+    constexpr int kSlow = 1000;
+    std::atomic<int> after = 0;
+    steps.work = [&](const int& number) {
+        if (number > kSlow) ++after;
+        EXPECT_TRUE(number != kSlow || comesAbout([&] { return after == 10; }));
+        return 2 * number;
+    };
+    EXPECT_TRUE(run({.jobs = 2, .window = 11}));
+    EXPECT_EQ(seen, story(count));
+}
+
+TEST_F(OrderedWorkThreads, OrderHoldsWhereQuickAndSlowStretchesTakeTurns) {
+    count = 20'000;
+    steps.work = [&](const int& number) {
+        if (number % 1000 == 0) std::this_thread::sleep_for(milliseconds{4});
+        return 2 * number;
+    };
+    EXPECT_TRUE(run({.jobs = 3}));
+    EXPECT_EQ(seen, story(count));
+}
+
+TEST_F(OrderedWorkThreads, FaultOfTheCallersOwnItemComesAtItsTurn) {
+    steps.work = [&](const int& number) {
+        if (number == 1) throw std::out_of_range("one");
+        return 2 * number;
+    };
+    for (int i = 0; i < 200; ++i) {
+        fetched = 0;
+        seen.clear();
+        EXPECT_THROW(run({.jobs = 2}), std::out_of_range);
+        EXPECT_EQ(seen, story(1, 1));
+    }
+}
+
 TEST_F(OrderedWorkThreads, NoMoreItemsAtATimeThanThereAreJobs) {
     std::atomic<int> atATime = 0;
     steps.work = [&](const int& number) {
@@ -342,15 +389,20 @@ TEST_F(OrderedWorkThreads, WorkersTakeNoSignals) {
     sigset_t before;
     ::pthread_sigmask(SIG_SETMASK, nullptr, &before);
     ASSERT_EQ(::sigismember(&before, SIGUSR1), 0);
-    std::atomic<int> blocked = 0;
+    const auto caller = std::this_thread::get_id();
+    std::atomic<int> ofWorkers = 0;
     steps.work = [&](const int& number) {
         sigset_t mask;
         ::pthread_sigmask(SIG_SETMASK, nullptr, &mask);
-        blocked += ::sigismember(&mask, SIGUSR1) + ::sigismember(&mask, SIGINT);
+        const bool isCaller = std::this_thread::get_id() == caller;
+        EXPECT_NE(::sigismember(&mask, SIGUSR1), isCaller);
+        EXPECT_NE(::sigismember(&mask, SIGINT), isCaller);
+        if (!isCaller) ++ofWorkers;
+        EXPECT_TRUE(number > 0 || comesAbout([&] { return ofWorkers > 0; }));
         return number;
     };
     EXPECT_TRUE(run({.jobs = 4}));
-    EXPECT_EQ(blocked, 2 * count);
+    EXPECT_GT(ofWorkers, 0);
     sigset_t after;
     ::pthread_sigmask(SIG_SETMASK, nullptr, &after);
     EXPECT_EQ(::sigismember(&after, SIGUSR1), 0);
@@ -449,6 +501,30 @@ TEST(OrderedWorkAndTheMainThread, CallerIsNotTheMainThread) {
 TEST(OrderedWorkAndTheMainThread, CallerIsTheMainThread) {
     auto& main = platform::mainThread();
     main.runAndWait([&] { expectWorkOnTheMainThread(main); });
+}
+
+TEST(OrderedWorkAndTheMainThread, CallerThatIsTheMainThreadOnlyLeads) {
+    auto& main = platform::mainThread();
+    std::atomic<int> onTheCaller = 0;
+    main.runAndWait([&] {
+        const auto caller = std::this_thread::get_id();
+        (void)performInOrder<int, int>({.next = [next = 0]() mutable -> std::optional<int> {
+                                            if (next == 1000) return std::nullopt;
+                                            return next++;
+                                        },
+                                        .work =
+                                            [&](const int& number) {
+                                                if (std::this_thread::get_id() == caller) {
+                                                    ++onTheCaller;
+                                                }
+                                                return number;
+                                            },
+                                        .before = {},
+                                        .take = [](const int&, int&&) {},
+                                        .isCancelled = {}},
+                                       {.jobs = 2});
+    });
+    EXPECT_EQ(onTheCaller, 0);
 }
 
 TEST(OrderedWorkAndTheMainThread, SeveralCallersOneOfThemTheMainThread) {
