@@ -64,6 +64,7 @@ std::string columnText(const std::vector<Cells>& rows) {
 std::string metadataText(const FilePath& file, const std::vector<MetadataEntry>& entries) {
     if (entries.empty()) return shown(file) + "\n  -\n";
     std::vector<Cells> rows;
+    rows.reserve(entries.size());
     for (const MetadataEntry& each : entries) {
         rows.push_back({each.identifier, each.description, each.value.value_or("-")});
     }

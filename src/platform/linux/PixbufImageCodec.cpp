@@ -71,7 +71,7 @@ struct Signature {
     const char* loader;
 };
 
-using std::string_view_literals::operator""sv;
+using namespace std::string_view_literals;
 
 /// Unasked, the library tells formats by the desktop's MIME database, which a service may lack.
 constexpr std::array kSignatures{

@@ -227,7 +227,9 @@ std::vector<ThumbnailerEntry> thumbnailersBelow(const std::vector<std::string>& 
         const std::string folder = dataFolder + "/thumbnailers";
         for (const std::string& name : entryNames(folder)) {
             if (!seen.insert(name).second) continue;
-            const auto text = smallFile(folder + "/" + name, kMostEntryBytes, LastLink::followed);
+            std::string path = folder + "/";
+            path += name;
+            const auto text = smallFile(path, kMostEntryBytes, LastLink::followed);
             if (!text) continue;
             if (auto entry = ThumbnailerEntry::parsed(*text)) all.push_back(std::move(*entry));
         }
@@ -259,7 +261,8 @@ std::optional<std::string> executablePath(const std::string& name) {
         return isExecutable(name) ? std::optional(name) : std::nullopt;
     }
     for (const std::string& folder : pathList(variable("PATH"))) {
-        std::string path = folder + "/" + name;
+        std::string path = folder + "/";
+        path += name;
         if (isExecutable(path)) return path;
     }
     return std::nullopt;

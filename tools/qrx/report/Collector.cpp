@@ -37,7 +37,7 @@ public:
         list();
         claimAll();
         findCards();
-        examine([this](const ReportedFile& file) { return !isWithoutCard(*file.claim.utility); });
+        examine([](const ReportedFile& file) { return !isWithoutCard(*file.claim.utility); });
         giveCompanionsAway();
         examine([](const ReportedFile& file) { return !file.clip; });
         if (!*options_.isCancelled) {
@@ -86,7 +86,7 @@ private:
 
     void claimAll() {
         forEachInOrder<Claim>(
-            files_.size(), [this](std::size_t i) { return i; },
+            files_.size(), [](std::size_t i) { return i; },
             [this](const ReportedFile& file) { return claimOf(file.path, options_.exactness); },
             [this](ReportedFile& file, Claim&& claim) {
                 file.claim = std::move(claim);
