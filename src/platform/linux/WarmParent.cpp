@@ -58,6 +58,8 @@ public:
         } else {
             entries_.push_back(preload_.data());
         }
+        // The library looks for it in front of the last.
+        if (!isSet(warm::kTunablesVariable)) entries_.push_back(tunables_.data());
         entries_.push_back(asks_.data());
         entries_.push_back(nullptr);
     }
@@ -67,7 +69,14 @@ public:
     [[nodiscard]] const std::vector<char*>& entries() const { return entries_; }
 
 private:
+    [[nodiscard]] bool isSet(const std::string& name) const {
+        return std::any_of(entries_.begin(), entries_.end(), [&](const char* entry) {
+            return std::string_view(entry).starts_with(name + "=");
+        });
+    }
+
     std::string preload_;
+    std::string tunables_ = std::string(warm::kTunablesVariable) + "=" + warm::kTunables;
     std::string asks_;
     std::vector<char*> entries_ = childEnvironment();
 };

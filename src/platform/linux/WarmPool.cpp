@@ -18,8 +18,10 @@ using SteadyClock = std::chrono::steady_clock;
 
 constexpr std::size_t kMostParents = 16;
 constexpr unsigned kMostFailures = 3;
-/// A parent is free again after a millisecond or two, a new one is ready after forty.
+/// A parent is free again after a millisecond or two, a new one is ready after forty; so many
+/// waits are about as long.
 constexpr auto kRatherWait = 5ms;
+constexpr unsigned kManyWaits = 32;
 
 std::size_t parentsFor(std::size_t chosen) {
     if (chosen > 0) return chosen;
@@ -91,7 +93,8 @@ WarmPool::Loan WarmPool::borrowed(const std::string& program, Lock& lock) {
             return loan;
         }
         const bool isTooEarly =
-            parents_ > 0 && parentIsFree_.wait_for(lock, kRatherWait) == std::cv_status::no_timeout;
+            parents_ > 0 && ++waits_ % kManyWaits != 0 &&
+            parentIsFree_.wait_for(lock, kRatherWait) == std::cv_status::no_timeout;
         const bool mayBeStarted = generation == generation_ && idle_.empty() && !isGivenUp_ &&
                                   !isCold_ && parents_ < choices_.parentsAtMost;
         if (!isTooEarly && mayBeStarted) {

@@ -101,6 +101,7 @@ private:
     bool isCold_ = false;           // the program cannot be warmed
     unsigned failures_ = 0;         // one after the other
     std::size_t parents_ = 0;       // idle, on loan, or being started
+    unsigned waits_ = 0;            // for one that is free
     std::vector<Idle> idle_;        // the longest idle first
     WarmCounts counts_;
 

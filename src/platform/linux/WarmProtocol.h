@@ -15,11 +15,18 @@
 namespace qrx::platform::warm {
 
 /// Changes with every change of what follows: an old service may meet a new library.
-inline constexpr std::uint32_t kVersion = 1;
+inline constexpr std::uint32_t kVersion = 2;
 
 /// Set for the warm parent alone: "VERSION:PID-OF-THE-CLIENT".
 inline constexpr char kVariable[] = "QRX_WARM_PARENT";
 inline constexpr char kPreloadVariable[] = "LD_PRELOAD";
+/// Of the GNU C library: decoders take megabytes that they clear at once, and give back what they
+/// take again a moment later. Huge pages, and keeping what is given back, spare the kernel half of
+/// its work on that. Set where the user has not set any.
+inline constexpr char kTunablesVariable[] = "GLIBC_TUNABLES";
+inline constexpr char kTunables[] =
+    "glibc.malloc.hugetlb=1:glibc.malloc.mmap_threshold=33554432:"
+    "glibc.malloc.trim_threshold=67108864";
 
 /// Where the warm parent finds its end of the pair.
 inline constexpr int kSocket = 3;

@@ -51,6 +51,7 @@ TEST_F(WarmProcessRunnerTest, EverythingThatAProgramSeesOfItsStartIsTheSame) {
     EXPECT_THAT(result.standardOutput, testing::HasSubstr("constructed 1\n"));
     EXPECT_THAT(result.standardOutput, testing::Not(testing::HasSubstr("LD_PRELOAD")));
     EXPECT_THAT(result.standardOutput, testing::Not(testing::HasSubstr("QRX_WARM")));
+    EXPECT_THAT(result.standardOutput, testing::Not(testing::HasSubstr("GLIBC_TUNABLES")));
     EXPECT_THAT(result.standardOutput, testing::Not(testing::HasSubstr("descriptor 3")));
     runBothWays(tool_.asked({"world"}));  // and nothing is left over from the run before
 }
@@ -228,6 +229,16 @@ TEST_F(WarmProcessRunnerTest, WhatAUserPreloadsStaysPreloaded) {
     }
     ::unsetenv("LD_PRELOAD");
     EXPECT_EQ(warm_.pool().counts().warmRuns, 3U);
+}
+
+TEST_F(WarmProcessRunnerTest, WhatAUserTunesStaysTuned) {
+    ::setenv("GLIBC_TUNABLES", "glibc.malloc.top_pad=65536", 1);
+    EXPECT_THAT(runBothWays(tool_.asked({"world"})).standardOutput,
+                testing::HasSubstr("variable GLIBC_TUNABLES=glibc.malloc.top_pad=65536\n"));
+    ::setenv("GLIBC_TUNABLES", "", 1);
+    EXPECT_THAT(runBothWays(tool_.asked({"world"})).standardOutput,
+                testing::HasSubstr("variable GLIBC_TUNABLES=\n"));
+    ::unsetenv("GLIBC_TUNABLES");
 }
 
 TEST_F(WarmProcessRunnerTest, ChangedLimitsReachTheNextRun) {

@@ -42,6 +42,8 @@ using qrx::platform::warm::kMostRequestBytes;
 using qrx::platform::warm::kPreloadVariable;
 using qrx::platform::warm::kSocket;
 using qrx::platform::warm::kStandardStreams;
+using qrx::platform::warm::kTunables;
+using qrx::platform::warm::kTunablesVariable;
 using qrx::platform::warm::kVariable;
 using qrx::platform::warm::kVersion;
 using qrx::platform::warm::Request;
@@ -107,10 +109,25 @@ void remove(char** entry) {
     }
 }
 
+/// The loader has put a copy in place of the variable and taken the original, which the kernel
+/// shows, to pieces. It stands in front of `next`, as the client has placed it.
+void hideTunables(char* next) {
+    char** const entry = find(kTunablesVariable);
+    if (entry == nullptr) return;
+    if (std::strcmp(valueOf(*entry, kTunablesVariable), kTunables) != 0) return;  // the user's
+    const std::size_t size = std::strlen(*entry) + 1;
+    char* const shown = next - size;
+    if (valueOf(shown, kTunablesVariable) != nullptr) std::memset(shown, 0, size);
+    remove(entry);
+}
+
 /// Puts the environment back as it would be without us: our library stands first in its variable,
 /// what was there before follows a colon.
 void hideOurVariables() {
-    if (char** const ours = find(kVariable)) remove(ours);
+    if (char** const ours = find(kVariable)) {
+        hideTunables(*ours);
+        remove(find(kVariable));
+    }
     char** const preload = find(kPreloadVariable);
     if (preload == nullptr) return;
     char* const colon = std::strchr(*preload, ':');
