@@ -2,6 +2,7 @@
 
 import os
 import pathlib
+import random
 import sys
 import tempfile
 
@@ -71,8 +72,10 @@ class Comparison:
         return "left out" if os.path.basename(row.command[0]) in self._options.skip else row.missing
 
     def _run_rounds(self):
+        """In another order each round, the same in every comparison: after minutes on all cores a
+        machine may be slower for a while, and that must not always meet the same row."""
         for number in range(self._options.runs):
-            for row in self.rows:
+            for row in random.Random(number).sample(self.rows, len(self.rows)):
                 if row.is_slow_own and number >= self._options.side_runs:
                     continue
                 self._say(f"round {number + 1} of {self._options.runs}: {row.name}")
