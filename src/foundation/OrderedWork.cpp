@@ -112,8 +112,8 @@ public:
             } else {
                 waitUntil([turn] { return turn->isDone; });
             }
-            if (isCancelled())
-                return false;  // a tool that was ended half-way makes results a guess
+            // A tool that was ended half-way makes results a guess.
+            if (isCancelled()) return false;
             if (turn->fault) std::rethrow_exception(turn->fault);
             turn->take();
             if (isCancelled()) return false;  // the next item may be long in coming
@@ -231,8 +231,7 @@ private:
         ++busy_;
         WorkTurn* const fetched = fetchNext(lock);
         if (fetched == nullptr) --busy_;
-        const bool isFirst = pending_.size() == 1;
-        const bool isNews = isFirst || isClosed_;
+        const bool isNews = pending_.size() == 1 || isClosed_;
         if (fetched != nullptr && busy_ == living_ && living_ < jobs_) startWorker();
         lock.unlock();
         if (isNews) tellCaller();

@@ -47,9 +47,7 @@ public:
           asks_(std::string(warm::kVariable) + "=" + std::to_string(warm::kVersion) + ":" +
                 std::to_string(::getpid())) {
         entries_.pop_back();  // the null behind them
-        const auto before = std::find_if(entries_.begin(), entries_.end(), [&](const char* entry) {
-            return std::string_view(entry).starts_with(preload_);
-        });
+        const auto before = entryOf(preload_);
         const bool isPreloaded = before != entries_.end();
         const std::string others = isPreloaded ? ":" + std::string(*before + preload_.size()) : "";
         preload_ += library + others;
@@ -59,7 +57,9 @@ public:
             entries_.push_back(preload_.data());
         }
         // The library looks for it in front of the last.
-        if (!isSet(warm::kTunablesVariable)) entries_.push_back(tunables_.data());
+        const bool isTuned = entryOf(tunables_) != entries_.end();
+        tunables_ += warm::kTunables;
+        if (!isTuned) entries_.push_back(tunables_.data());
         entries_.push_back(asks_.data());
         entries_.push_back(nullptr);
     }
@@ -69,14 +69,15 @@ public:
     [[nodiscard]] const std::vector<char*>& entries() const { return entries_; }
 
 private:
-    [[nodiscard]] bool isSet(const std::string& name) const {
-        return std::any_of(entries_.begin(), entries_.end(), [&](const char* entry) {
-            return std::string_view(entry).starts_with(name + "=");
+    /// @param start  the name and "=".
+    [[nodiscard]] std::vector<char*>::iterator entryOf(std::string_view start) {
+        return std::find_if(entries_.begin(), entries_.end(), [start](const char* entry) {
+            return std::string_view(entry).starts_with(start);
         });
     }
 
     std::string preload_;
-    std::string tunables_ = std::string(warm::kTunablesVariable) + "=" + warm::kTunables;
+    std::string tunables_ = std::string(warm::kTunablesVariable) + "=";
     std::string asks_;
     std::vector<char*> entries_ = childEnvironment();
 };

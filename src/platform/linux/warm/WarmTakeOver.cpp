@@ -125,8 +125,9 @@ void hideTunables(char* next) {
 /// what was there before follows a colon.
 void hideOurVariables() {
     if (char** const ours = find(kVariable)) {
-        hideTunables(*ours);
-        remove(find(kVariable));
+        char* const shown = *ours;
+        remove(ours);
+        hideTunables(shown);
     }
     char** const preload = find(kPreloadVariable);
     if (preload == nullptr) return;
